@@ -1,0 +1,113 @@
+#include "cli_commands.h"
+
+#include "components/database.h"
+#include "store/data_module_main.h"
+#include "store/resource_holder.h"
+
+#include <QDate>
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+namespace cli {
+
+namespace {
+
+bool toInt(const QString& text, int& value) {
+    bool ok = false;
+    value = text.toInt(&ok);
+    return ok;
+}
+
+void printAmount(Context& c, const TIngredientAmount& a) {
+    c.out << FormatValue(a.amount) << '\t' << a.unitName << '\t' << FormatValue(a.price) << '\t'
+          << FormatValue(a.cost) << '\n';
+}
+
+} // namespace
+
+QString FormatValue(const QVariant& value) {
+    if (!value.isValid() || value.isNull())
+        return QString();
+    if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
+        return QString::number(value.toDouble(), 'g', 15);
+    return value.toString();
+}
+
+int Init(Context& c) {
+    c.out << DataModuleMain->VintraDBUpdater.GetCurrentDBVersion(DataModuleMain->KADaoDatabase) << '\n';
+    return 0;
+}
+
+int Sql(Context& c, const QStringList& args) {
+    if (args.size() != 1) {
+        c.err << "usage: quillmeal-cli sql STATEMENT\n";
+        return 2;
+    }
+    const QString statement = args.first();
+    static const QRegularExpression returnsRows(QStringLiteral("^\\s*(SELECT|PRAGMA|WITH|VALUES)\\b"),
+                                                QRegularExpression::CaseInsensitiveOption);
+    if (!returnsRows.match(statement).hasMatch()) {
+        DataModuleMain->KADaoDatabase.exec(statement);
+        return 0;
+    }
+    QSqlQuery query = DataModuleMain->KADaoDatabase.run(statement);
+    const QSqlRecord record = query.record();
+    QStringList header;
+    for (int i = 0; i < record.count(); ++i)
+        header << record.fieldName(i);
+    c.out << header.join(QLatin1Char('\t')) << '\n';
+    while (query.next()) {
+        QStringList row;
+        for (int i = 0; i < record.count(); ++i)
+            row << FormatValue(query.value(i));
+        c.out << row.join(QLatin1Char('\t')) << '\n';
+    }
+    return 0;
+}
+
+int NewId(Context& c, const QStringList& args) {
+    if (args.size() != 1) {
+        c.err << "usage: quillmeal-cli new-id KEY\n";
+        return 2;
+    }
+    c.out << DataModuleMain->GetNewId(args.first()) << '\n';
+    return 0;
+}
+
+int IngredientInMenu(Context& c, const QStringList& args) {
+    int menuId = 0, ingredId = 0;
+    if (args.size() != 2 || !toInt(args.at(0), menuId) || !toInt(args.at(1), ingredId)) {
+        c.err << "usage: quillmeal-cli ingredient-in-menu MENUID INGREDID\n";
+        return 2;
+    }
+    printAmount(c, DataModuleMain->GetIngredientInMenu(menuId, ingredId));
+    return 0;
+}
+
+int IngredientForDate(Context& c, const QStringList& args) {
+    int ingredId = 0;
+    const QDate from = args.size() == 3 ? QDate::fromString(args.at(1), Qt::ISODate) : QDate();
+    const QDate to = args.size() == 3 ? QDate::fromString(args.at(2), Qt::ISODate) : QDate();
+    if (args.size() != 3 || !toInt(args.at(0), ingredId) || !from.isValid() || !to.isValid()) {
+        c.err << "usage: quillmeal-cli ingredient-for-date INGREDID FROM TO   (dates as yyyy-mm-dd)\n";
+        return 2;
+    }
+    printAmount(c, DataModuleMain->GetIngredientForDate(ingredId, QDateTime(from, QTime(0, 0), Qt::UTC),
+                                                        QDateTime(to, QTime(0, 0), Qt::UTC)));
+    return 0;
+}
+
+int Options(Context& c) {
+    static const char* const typeNames[] = {"integer", "boolean", "string"};
+    for (const TVintraOption& option : FormResourceHolder->VintraOptions.options()) {
+        const auto text = [&option](const QVariant& v) {
+            return option.type == 1 ? QString::fromLatin1(v.toBool() ? "true" : "false") : v.toString();
+        };
+        c.out << option.name << '\t' << typeNames[qBound(0, option.type, 2)] << '\t' << text(option.defaultValue)
+              << '\t' << text(option.value) << '\n';
+    }
+    return 0;
+}
+
+} // namespace cli

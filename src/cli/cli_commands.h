@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QStringList>
+#include <QTextStream>
+
+/// The commands of quillmeal-cli; each returns the exit status (0 done, 1 reported error, 2 bad usage).
+namespace cli {
+
+struct Context {
+    QTextStream& out;
+    QTextStream& err;
+};
+
+/// Text of one value as the command line prints it: NULL empty, REAL with up to 15 digits.
+QString FormatValue(const QVariant& value);
+
+int Init(Context& c);
+int Sql(Context& c, const QStringList& args);
+int NewId(Context& c, const QStringList& args);
+int IngredientInMenu(Context& c, const QStringList& args);
+int IngredientForDate(Context& c, const QStringList& args);
+int Options(Context& c);
+
+} // namespace cli

@@ -1,0 +1,89 @@
+// quillmeal-cli as a script uses it: a fresh data root seeded from the delivered database.
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestCli : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+
+    struct Result {
+        int status;
+        QString out;
+        QString err;
+    };
+    Result run(const QStringList& args) {
+        QProcess p;
+        p.start(QStringLiteral(QM_BIN_DIR "/quillmeal-cli"),
+                QStringList{"--data-root", m_dir.filePath("root"), "--config-dir", m_dir.filePath("cfg")} + args);
+        p.waitForFinished(60000);
+        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+                QString::fromUtf8(p.readAllStandardError())};
+    }
+
+private slots:
+    void initSeedsTheDeliveredDatabase() {
+        const Result r = run({"init"});
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, QStringLiteral("310\n"));
+        QVERIFY(QFile::exists(m_dir.filePath("root/Database/Hearthnote.db")));
+        // Counters of the delivered database stand outside the locked range.
+        const Result keys = run({"sql", "SELECT COUNT(*) AS low FROM PKeys WHERE keyId <> 'DatabaseVersion' "
+                                        "AND keyValue < 100000"});
+        QCOMPARE(keys.out, QStringLiteral("low\n0\n"));
+    }
+
+    void sqlPrintsHeaderRowsAndNulls() {
+        QCOMPARE(run({"sql", "CREATE TABLE Scratch ( a TEXT, b FLOAT, c INTEGER )"}).status, 0);
+        QCOMPARE(run({"sql", "INSERT INTO Scratch VALUES ( 'x y', 0.1, NULL ), ( NULL, 1.0 / 3, 7 )"}).status, 0);
+        const Result r = run({"sql", "SELECT a, b, c FROM Scratch WHERE a LIKE 'X*' OR a IS NULL ORDER BY c"});
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, QStringLiteral("a\tb\tc\nx y\t0.1\t\n\t0.333333333333333\t7\n"));
+    }
+
+    void newIdAndAmounts() {
+        QCOMPARE(run({"new-id", "Recipes"}).out, QStringLiteral("100001\n"));
+        QCOMPARE(run({"new-id", "NoSuchCounter"}).out, QStringLiteral("1\n"));
+        QCOMPARE(run({"new-id", "NoSuchCounter"}).out, QStringLiteral("2\n"));
+        const QStringList scenario = {
+            "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
+            "( 900001, 'test gram', 'tg', 'tg', 1, 1 ), ( 900002, 'test mug', 'tm', 'tm', 2, NULL )",
+            "INSERT INTO Ingreds ( ingredId, ingredName, unitId, ingredPrice ) VALUES ( 900010, 'Test oats', 900001, 0.5 )",
+            "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 900002, 900010, 80 )",
+            "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 900020, 'Test bowl', 2, 0 )",
+            "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 900020, 900010, 3, 900002 )",
+            "INSERT INTO Menus ( menuId, menuName ) VALUES ( 900030, 'Test menu' )",
+            "INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 900030, 900020, 5 )",
+            "INSERT INTO RecDate ( recId, dateScheduled, servings ) VALUES ( 900020, 37988, 1 )"};
+        for (const QString& statement : scenario)
+            QCOMPARE(run({"sql", statement}).status, 0);
+        // 5/2 servings * 3 mugs * 80 g = 600 g at 0.5 a gram.
+        QCOMPARE(run({"ingredient-in-menu", "900030", "900010"}).out, QStringLiteral("600\ttest gram\t0.5\t300\n"));
+        QCOMPARE(run({"ingredient-for-date", "900010", "2004-01-01", "2004-01-02"}).out,
+                 QStringLiteral("120\ttest gram\t0.5\t60\n"));
+        QCOMPARE(run({"ingredient-for-date", "900010", "2004-01-03", "2004-01-09"}).out,
+                 QStringLiteral("0\ttest gram\t0.5\t0\n"));
+    }
+
+    void optionsListEveryOption() {
+        const Result r = run({"options"});
+        QCOMPARE(r.status, 0);
+        const QStringList lines = r.out.split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 162);
+        QVERIFY(lines.contains(QStringLiteral("Toolb\tinteger\t429\t429")));
+        QVERIFY(lines.contains(QStringLiteral("Currency\tstring\t$\t$")));
+    }
+
+    void errorsAndUsage() {
+        QCOMPARE(run({}).status, 2);
+        QCOMPARE(run({"frobnicate"}).status, 2);
+        QCOMPARE(run({"ingredient-in-menu", "x", "1"}).status, 2);
+        QCOMPARE(run({"ingredient-for-date", "1", "2004-13-01", "2004-01-02"}).status, 2);
+        const Result bad = run({"sql", "DELETE FROM Menus WHERE menuGroup = 3"});
+        QCOMPARE(bad.status, 1);
+        QVERIFY(bad.err.contains("menuGroup"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCli)
+#include "test_cli.moc"
