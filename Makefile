@@ -23,7 +23,7 @@ run: deps build
 test: deps build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
 
-bench: build
+bench: deps build
 	$(BUILD)/bench/quillmeal-bench
 
 format:

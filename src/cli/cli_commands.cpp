@@ -1,6 +1,7 @@
 #include "cli_commands.h"
 
 #include "components/database.h"
+#include "culinary/nutrient_calculation.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
 
@@ -95,6 +96,32 @@ int IngredientForDate(Context& c, const QStringList& args) {
     }
     printAmount(c, DataModuleMain->GetIngredientForDate(ingredId, QDateTime(from, QTime(0, 0), Qt::UTC),
                                                         QDateTime(to, QTime(0, 0), Qt::UTC)));
+    return 0;
+}
+
+int Recalc(Context& c, const QStringList& args) {
+    int recId = 0;
+    if (args.size() != 1 || !toInt(args.first(), recId)) {
+        c.err << "usage: quillmeal-cli recalc RECID\n";
+        return 2;
+    }
+    qm::Database& db = DataModuleMain->KADaoDatabase;
+    if (db.scalar(QStringLiteral("SELECT COUNT(*) FROM Recipes WHERE recId = :recId"), {{QStringLiteral("recId"), recId}})
+            .toInt() == 0) {
+        c.err << "no recipe " << recId << '\n';
+        return 1;
+    }
+    RecalculateStoredRecipe(db, recId); // a free-form recipe keeps its typed values
+    QStringList columns;
+    for (const char* column : NutrientSet)
+        columns << QLatin1String(column);
+    const qm::SqlRows rows = db.select(QStringLiteral("SELECT ") + columns.join(QStringLiteral(", ")) +
+                                           QStringLiteral(" FROM Recipes WHERE recId = :recId"),
+                                       {{QStringLiteral("recId"), recId}});
+    QStringList values;
+    for (const QVariant& value : rows.rows.first())
+        values << FormatValue(value);
+    c.out << values.join(QLatin1Char('\t')) << '\n';
     return 0;
 }
 

@@ -20,5 +20,7 @@ int NewId(Context& c, const QStringList& args);
 int IngredientInMenu(Context& c, const QStringList& args);
 int IngredientForDate(Context& c, const QStringList& args);
 int Options(Context& c);
+/// Recalculates one recipe's nutrients, stores them and prints the seventeen values.
+int Recalc(Context& c, const QStringList& args);
 
 } // namespace cli

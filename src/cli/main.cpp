@@ -20,7 +20,8 @@ const char* const Usage =
     "  new-id KEY                             next id of a counter\n"
     "  ingredient-in-menu MENUID INGREDID     amount, unit, price and cost over a menu\n"
     "  ingredient-for-date INGREDID FROM TO   the same over calendar days (yyyy-mm-dd)\n"
-    "  options                                name, type, default and value of every option\n";
+    "  options                                name, type, default and value of every option\n"
+    "  recalc RECID                           recalculate a recipe's nutrients and print them\n";
 
 /// Messages go to standard error; the update question is answered by the command.
 class TCliPresenter : public TMessagePresenter {
@@ -53,7 +54,7 @@ int main(int argc, char** argv) {
     const QString command = args.takeFirst();
     static const QStringList known = {QStringLiteral("init"), QStringLiteral("sql"), QStringLiteral("new-id"),
                                       QStringLiteral("ingredient-in-menu"), QStringLiteral("ingredient-for-date"),
-                                      QStringLiteral("options")};
+                                      QStringLiteral("options"), QStringLiteral("recalc")};
     if (!known.contains(command)) {
         err << "unknown command: " << command << '\n' << Usage;
         return 2;
@@ -95,6 +96,8 @@ int main(int argc, char** argv) {
             status = cli::IngredientInMenu(context, args);
         else if (command == QLatin1String("ingredient-for-date"))
             status = cli::IngredientForDate(context, args);
+        else if (command == QLatin1String("recalc"))
+            status = cli::Recalc(context, args);
         DataModuleMain = nullptr;
     } catch (const std::exception& e) {
         out.flush();

@@ -1,6 +1,7 @@
 #include "seed_loader.h"
 
 #include "components/database.h"
+#include "culinary/nutrient_calculation.h"
 #include "store/schema.h"
 
 #include <QDir>
@@ -77,6 +78,11 @@ QStringList buildDeliveredDatabase(const QString& schemaFile, const QString& see
         const int rows = loadSeedFile(db, table, seedDir + QLatin1Char('/') + name);
         report << QStringLiteral("%1\t%2").arg(table).arg(rows);
     }
+    // The sample recipes carry the values of the program's own calculation.
+    const SqlRows recipes = db.select(QStringLiteral("SELECT recId FROM Recipes WHERE recFreeForm = 0 ORDER BY recId"));
+    for (const QVariantList& row : recipes.rows)
+        RecalculateStoredRecipe(db, row.first().toInt());
+    report << QStringLiteral("recalculated\t%1").arg(recipes.rows.size());
     db.exec(QStringLiteral("COMMIT"));
     return report;
 }

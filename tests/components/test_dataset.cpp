@@ -1,0 +1,501 @@
+// The dataset and its grid model on a real SQLite file: states, writes by key, refusals through
+// Abort, filter, Locate, calculated fields, master-detail, bookmarks, read-only.
+#include "components/database.h"
+#include "components/dataset.h"
+#include "components/dataset_model.h"
+#include "components/messages.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+using namespace qm;
+
+class TestDataset : public QObject {
+    Q_OBJECT
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<Database> m_db;
+
+    QVariant scalar(const QString& sql) { return m_db->scalar(sql); }
+
+    std::unique_ptr<Dataset> units() {
+        auto ds = std::make_unique<Dataset>();
+        ds->SetDatabase(m_db.get());
+        ds->SetTableName(QStringLiteral("Units"));
+        ds->SetSortedBy(QStringLiteral("[unitName] ASC"));
+        return ds;
+    }
+
+private slots:
+    void init() {
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_db = std::make_unique<Database>();
+        m_db->open(m_dir->filePath(QStringLiteral("t.db")));
+        m_db->exec("CREATE TABLE Units ( unitId INT NOT NULL PRIMARY KEY, unitName TEXT NOT NULL, "
+                   "unitType SMALLINT, unitConv FLOAT, unitDesc TEXT DEFAULT 'none' )");
+        m_db->exec("INSERT INTO Units ( unitId, unitName, unitType, unitConv ) VALUES "
+                   "( 1, 'gram', 1, 1 ), ( 2, 'Cup', 2, NULL ), ( 3, 'kilogram', 1, 1000 ), "
+                   "( 4, 'Ounce', 1, 28.35 )");
+        m_db->exec("CREATE TABLE Convs ( unitId INTEGER NOT NULL, ingredId INTEGER NOT NULL, grams FLOAT, "
+                   "PRIMARY KEY ( unitId, ingredId ) )");
+        m_db->exec("INSERT INTO Convs VALUES ( 2, 10, 120 ), ( 2, 11, 200 ), ( 3, 10, 5 )");
+        m_db->exec(
+            "CREATE TABLE Recipes ( recId INT NOT NULL PRIMARY KEY, recName TEXT, recServings INTEGER )");
+        m_db->exec("INSERT INTO Recipes VALUES ( 1, 'Soup', 4 ), ( 2, 'Bread', 2 ), ( 3, 'Tea', 1 )");
+        m_db->exec("CREATE TABLE Contents ( recId INTEGER, ingredId INTEGER, amount FLOAT )");
+        m_db->exec("INSERT INTO Contents VALUES ( 1, 10, 200 ), ( 1, 11, 50 ), ( 1, 12, 1 ), ( 2, 10, 500 )");
+    }
+    void cleanup() {
+        m_db.reset();
+        m_dir.reset();
+    }
+
+    void statesAndNavigation() {
+        auto ds = units();
+        QCOMPARE(ds->State(), dsInactive);
+        QVERIFY_THROWS_EXCEPTION(DatasetError, ds->Next());
+        ds->Open();
+        QCOMPARE(ds->State(), dsBrowse);
+        QCOMPARE(ds->RecordCount(), 4);
+        // Names sort without regard to case, as in the grids.
+        QStringList names;
+        for (ds->First(); !ds->Eof(); ds->Next())
+            names << ds->FieldByName("UNITNAME").AsString();
+        QCOMPARE(names, QStringList({"Cup", "gram", "kilogram", "Ounce"}));
+        QVERIFY(!ds->Bof());
+        QCOMPARE(ds->currentRow(), 3); // Next past the last row stays on it
+        ds->Prior();
+        QVERIFY(!ds->Eof());
+        ds->First();
+        ds->Prior();
+        QVERIFY(ds->Bof());
+        QCOMPARE(ds->currentRow(), 0);
+
+        QVERIFY(ds->Edit());
+        QCOMPARE(ds->State(), dsEdit);
+        ds->FieldByName("unitName").SetAsString("Mug");
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Mug"));
+        ds->Cancel();
+        QCOMPARE(ds->State(), dsBrowse);
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Cup"));
+
+        ds->Last();
+        QVERIFY(ds->Insert());
+        QCOMPARE(ds->State(), dsInsert);
+        QCOMPARE(ds->RecordCount(), 5);
+        QCOMPARE(ds->currentRow(), 3); // inserted before the current row
+        QVERIFY(ds->FieldByName("unitName").IsNull());
+        ds->Cancel();
+        QCOMPARE(ds->RecordCount(), 4);
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Ounce"));
+
+        ds->Close();
+        QCOMPARE(ds->State(), dsInactive);
+        ds->SetFilter("unitId > 100");
+        ds->SetFiltered(true);
+        ds->Open();
+        QVERIFY(ds->Bof() && ds->Eof() && ds->IsEmpty());
+        QVERIFY(ds->Edit()); // on an empty dataset Edit inserts
+        QCOMPARE(ds->State(), dsInsert);
+        QVERIFY_THROWS_EXCEPTION(DatasetError, ds->FieldByName("noSuchField"));
+    }
+
+    void postWritesByKey() {
+        auto ds = units();
+        ds->Open();
+        QVERIFY(ds->Append());
+        ds->FieldByName("unitId").SetAsInteger(100001);
+        ds->FieldByName("unitName").SetAsString("pinch");
+        ds->FieldByName("unitConv").SetAsFloat(0.36);
+        QVERIFY(ds->Post());
+        QCOMPARE(ds->State(), dsBrowse);
+        QCOMPARE(scalar("SELECT unitConv FROM Units WHERE unitId = 100001").toDouble(), 0.36);
+        // Columns not written take their default, and the record shows it after the post.
+        QCOMPARE(ds->FieldByName("unitDesc").AsString(), QString("none"));
+        QCOMPARE(scalar("SELECT COUNT(*) FROM Units").toInt(), 5);
+
+        QVERIFY(ds->Locate("unitId", 3));
+        QVERIFY(ds->Edit());
+        ds->FieldByName("unitName").SetAsString("kg");
+        ds->FieldByName("unitId").SetAsInteger(30); // the key itself may change
+        QVERIFY(ds->Post());
+        QCOMPARE(scalar("SELECT unitName FROM Units WHERE unitId = 30").toString(), QString("kg"));
+        QCOMPARE(scalar("SELECT COUNT(*) FROM Units WHERE unitId = 3").toInt(), 0);
+        QCOMPARE(scalar("SELECT unitName FROM Units WHERE unitId = 1").toString(), QString("gram"));
+        // Edit and Post without a change writes nothing but still passes BeforePost.
+        int beforePost = 0;
+        ds->BeforePost = [&](Dataset&) { ++beforePost; };
+        QVERIFY(ds->Edit() && ds->Post());
+        QCOMPARE(beforePost, 1);
+    }
+
+    void postCompoundKey() {
+        Dataset ds;
+        ds.SetDatabase(m_db.get());
+        ds.SetTableName("Convs"); // key read from the table: ( unitId, ingredId )
+        ds.Open();
+        QVERIFY(ds.Locate(QStringList{"unitId", "ingredId"}, QVariantList{2, 11}));
+        QVERIFY(ds.Edit());
+        ds.FieldByName("grams").SetAsFloat(210);
+        QVERIFY(ds.Post());
+        QCOMPARE(scalar("SELECT grams FROM Convs WHERE unitId = 2 AND ingredId = 11").toDouble(), 210.0);
+        QCOMPARE(scalar("SELECT grams FROM Convs WHERE unitId = 2 AND ingredId = 10").toDouble(), 120.0);
+        QCOMPARE(scalar("SELECT grams FROM Convs WHERE unitId = 3 AND ingredId = 10").toDouble(), 5.0);
+
+        QVERIFY(ds.Locate(QStringList{"unitId", "ingredId"}, QVariantList{3, 10}));
+        QVERIFY(ds.Delete());
+        QCOMPARE(scalar("SELECT COUNT(*) FROM Convs").toInt(), 2);
+        QCOMPARE(scalar("SELECT COUNT(*) FROM Convs WHERE unitId = 3").toInt(), 0);
+    }
+
+    void engineErrorPropagatesAndKeepsInsert() {
+        auto ds = units();
+        ds->Open();
+        QVERIFY(ds->Insert());
+        ds->FieldByName("unitId").SetAsInteger(100002); // unitName is NOT NULL
+        QVERIFY_THROWS_EXCEPTION(DbError, ds->Post());
+        QCOMPARE(ds->State(), dsInsert);
+        QCOMPARE(ds->FieldByName("unitId").AsInteger(), 100002);
+    }
+
+    void beforePostAbortKeepsStateAndValues() {
+        auto ds = units();
+        ds->BeforePost = [](Dataset& d) {
+            if (d.FieldByName("unitName").IsNull())
+                throw Abort();
+        };
+        int afterPost = 0;
+        ds->AfterPost = [&](Dataset&) { ++afterPost; };
+        ds->Open();
+        QVERIFY(ds->Edit());
+        ds->FieldByName("unitConv").SetAsFloat(2.5);
+        ds->FieldByName("unitName").SetAsString(""); // a cleared text counts as null
+        QVERIFY(!ds->Post());
+        QCOMPARE(ds->State(), dsEdit);
+        QCOMPARE(ds->FieldByName("unitConv").AsFloat(), 2.5);
+        QVERIFY(scalar("SELECT unitConv FROM Units WHERE unitId = 2").isNull());
+        QCOMPARE(afterPost, 0);
+        ds->FieldByName("unitName").SetAsString("Cup");
+        QVERIFY(ds->Post());
+        QCOMPARE(afterPost, 1);
+        QCOMPARE(scalar("SELECT unitConv FROM Units WHERE unitId = 2").toDouble(), 2.5);
+
+        // A refused post also stops the move that needed it.
+        QVERIFY(ds->Insert());
+        ds->FieldByName("unitId").SetAsInteger(100003);
+        ds->Next();
+        QCOMPARE(ds->State(), dsInsert);
+        QCOMPARE(ds->FieldByName("unitId").AsInteger(), 100003);
+    }
+
+    void beforeDeleteAbortKeepsRow() {
+        auto ds = units();
+        int afterDelete = 0;
+        ds->BeforeDelete = [](Dataset& d) {
+            if (d.FieldByName("unitId").AsInteger() <= 1)
+                throw Abort();
+        };
+        ds->AfterDelete = [&](Dataset&) { ++afterDelete; };
+        ds->Open();
+        QVERIFY(ds->Locate("unitId", 1));
+        QVERIFY(!ds->Delete());
+        QCOMPARE(ds->RecordCount(), 4);
+        QCOMPARE(ds->FieldByName("unitId").AsInteger(), 1);
+        QCOMPARE(scalar("SELECT COUNT(*) FROM Units WHERE unitId = 1").toInt(), 1);
+        QCOMPARE(afterDelete, 0);
+
+        QVERIFY(ds->Locate("unitId", 3)); // kilogram, followed by Ounce
+        QVERIFY(ds->Delete());
+        QCOMPARE(afterDelete, 1);
+        QCOMPARE(ds->RecordCount(), 3);
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Ounce"));
+        QCOMPARE(scalar("SELECT COUNT(*) FROM Units WHERE unitId = 3").toInt(), 0);
+    }
+
+    void insertEvents() {
+        auto ds = units();
+        int nextId = 100010;
+        bool refuseInsert = true;
+        bool refuseNew = false;
+        ds->BeforeInsert = [&](Dataset&) {
+            if (refuseInsert)
+                throw Abort();
+        };
+        ds->OnNewRecord = [&](Dataset& d) {
+            if (refuseNew)
+                throw Abort();
+            d.FieldByName("unitId").SetAsInteger(nextId++);
+            d.FieldByName("unitType").SetAsInteger(2);
+        };
+        ds->Open();
+        QVERIFY(!ds->Insert());
+        QCOMPARE(ds->State(), dsBrowse);
+        QCOMPARE(ds->RecordCount(), 4);
+
+        refuseInsert = false;
+        refuseNew = true;
+        QVERIFY(!ds->Append());
+        QCOMPARE(ds->State(), dsBrowse);
+        QCOMPARE(ds->RecordCount(), 4);
+
+        refuseNew = false;
+        QVERIFY(ds->Append());
+        QVERIFY(!ds->Modified()); // what OnNewRecord put in is not a user change
+        ds->FieldByName("unitName").SetAsString("dash");
+        QVERIFY(ds->Post());
+        QCOMPARE(scalar("SELECT unitType FROM Units WHERE unitId = 100010 AND unitName = 'dash'").toInt(), 2);
+    }
+
+    void filter() {
+        auto ds = units();
+        ds->SetFilter("unitType = 1");
+        ds->Open();
+        QCOMPARE(ds->RecordCount(), 4); // set but not on
+        ds->Close();
+        ds->SetFiltered(true);
+        ds->Open();
+        QCOMPARE(ds->RecordCount(), 3);
+        ds->SetFilter("unitType = 2");
+        QCOMPARE(ds->RecordCount(), 3); // takes effect at the next Open
+        ds->Close();
+        ds->Open();
+        QCOMPARE(ds->RecordCount(), 1);
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Cup"));
+        ds->Close();
+        ds->SetFiltered(false);
+        ds->Open();
+        QCOMPARE(ds->RecordCount(), 4);
+    }
+
+    void locate_data() {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QString>("found"); // empty: no match
+
+        QTest::newRow("integer") << "unitId" << QVariant(4) << "Ounce";
+        QTest::newRow("number given as text") << "unitId" << QVariant("3") << "kilogram";
+        QTest::newRow("float") << "unitConv" << QVariant(28.35) << "Ounce";
+        QTest::newRow("text exact") << "unitName" << QVariant("gram") << "gram";
+        QTest::newRow("text other case") << "unitName" << QVariant("Gram") << "";
+        QTest::newRow("text prefix") << "unitName" << QVariant("kilo") << "";
+        QTest::newRow("null") << "unitConv" << QVariant() << "Cup";
+        QTest::newRow("field name any case") << "UNITID" << QVariant(1) << "gram";
+    }
+    void locate() {
+        QFETCH(QString, field);
+        QFETCH(QVariant, value);
+        QFETCH(QString, found);
+        auto ds = units();
+        int scrolls = 0;
+        ds->AfterScroll = [&](Dataset&) { ++scrolls; };
+        ds->Open();
+        QCOMPARE(scrolls, 1);
+        ds->Last();
+        QCOMPARE(scrolls, 2);
+        QCOMPARE(ds->Locate(field, value), !found.isEmpty());
+        QCOMPARE(ds->FieldByName("unitName").AsString(), found.isEmpty() ? QString("Ounce") : found);
+        QCOMPARE(scrolls, found.isEmpty() ? 2 : 3);
+    }
+
+    void fieldConversions_data() {
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<int>("asInteger");
+        QTest::addColumn<double>("asFloat");
+        QTest::addColumn<QString>("asString");
+        QTest::addColumn<bool>("asBoolean");
+        QTest::newRow("null") << QVariant() << 0 << 0.0 << "" << false;
+        QTest::newRow("integer") << QVariant(7) << 7 << 7.0 << "7" << true;
+        QTest::newRow("real rounds") << QVariant(2.75) << 3 << 2.75 << "2.75" << true;
+        QTest::newRow("tenth") << QVariant(0.1) << 0 << 0.1 << "0.1" << true;
+        QTest::newRow("numeric text") << QVariant("12") << 12 << 12.0 << "12" << true;
+        QTest::newRow("word") << QVariant("abc") << 0 << 0.0 << "abc" << false;
+        QTest::newRow("zero") << QVariant(0) << 0 << 0.0 << "0" << false;
+    }
+    void fieldConversions() {
+        QFETCH(QVariant, stored);
+        QFETCH(int, asInteger);
+        QFETCH(double, asFloat);
+        QFETCH(QString, asString);
+        QFETCH(bool, asBoolean);
+        // A column without a declared type keeps each value as it was given.
+        m_db->exec("CREATE TABLE Vals ( id INT PRIMARY KEY, v )");
+        m_db->exec("INSERT INTO Vals VALUES ( 1, :v )", {{"v", stored}});
+        Dataset ds;
+        ds.SetDatabase(m_db.get());
+        ds.SetTableName("Vals");
+        ds.Open();
+        const Field f = ds.FieldByName("v");
+        QCOMPARE(f.IsNull(), !stored.isValid());
+        QCOMPARE(f.AsInteger(), asInteger);
+        QCOMPARE(f.AsFloat(), asFloat);
+        QCOMPARE(f.AsString(), asString);
+        QCOMPARE(f.AsBoolean(), asBoolean);
+    }
+
+    void calculatedFields() {
+        auto ds = units();
+        ds->AddCalculatedField("milligrams");
+        ds->OnCalcFields = [](Dataset& d) {
+            QCOMPARE(d.State(), dsCalcFields);
+            if (!d.FieldByName("unitConv").IsNull())
+                d.FieldByName("milligrams").SetAsFloat(d.FieldByName("unitConv").AsFloat() * 1000);
+        };
+        ds->Open();
+        QVERIFY(ds->Locate("unitId", 3));
+        QCOMPARE(ds->FieldByName("milligrams").AsFloat(), 1000000.0);
+        QVERIFY(ds->Locate("unitId", 2));
+        QVERIFY(ds->FieldByName("milligrams").IsNull());
+        QVERIFY(ds->Edit());
+        QVERIFY_THROWS_EXCEPTION(DatasetError, ds->FieldByName("milligrams").SetAsFloat(1));
+        ds->FieldByName("unitConv").SetAsFloat(0.25);
+        QVERIFY(ds->Post());
+        QCOMPARE(ds->FieldByName("milligrams").AsFloat(), 250.0);
+        QCOMPARE(scalar("SELECT unitConv FROM Units WHERE unitId = 2").toDouble(), 0.25);
+        QVERIFY_THROWS_EXCEPTION(DatasetError, ds->AddCalculatedField("late"));
+    }
+
+    void masterDetail() {
+        Dataset master;
+        master.SetDatabase(m_db.get());
+        master.SetTableName("Recipes");
+        master.SetSortedBy("recId");
+        Dataset detail;
+        detail.SetDatabase(m_db.get());
+        detail.SetSql("SELECT ingredId, amount FROM Contents WHERE recId = :recId ORDER BY ingredId");
+        detail.SetMasterSource(&master);
+        int detailOpens = 0; // the detail is never moved here, so each AfterScroll is an Open
+        detail.AfterScroll = [&](Dataset&) { ++detailOpens; };
+        QStringList order; // the detail follows before the master's own AfterScroll runs
+        master.AfterScroll = [&](Dataset&) { order << QString::number(detail.RecordCount()); };
+
+        master.Open();
+        detail.Open();
+        QCOMPARE(detail.RecordCount(), 3);
+        detailOpens = 0;
+        order.clear();
+        master.Next();
+        QCOMPARE(detail.RecordCount(), 1);
+        QCOMPARE(detail.FieldByName("amount").AsFloat(), 500.0);
+        master.Next();
+        QVERIFY(detail.IsEmpty());
+        QCOMPARE(detailOpens, 2);
+        QCOMPARE(order, QStringList({"1", "0"}));
+
+        // Editing a field the detail does not use leaves it alone; a new master record re-binds.
+        master.First();
+        QCOMPARE(detailOpens, 3);
+        QVERIFY(master.Edit());
+        master.FieldByName("recName").SetAsString("Broth");
+        QVERIFY(master.Post());
+        QCOMPARE(detailOpens, 3);
+        QVERIFY(master.Insert());
+        QVERIFY(detail.IsEmpty());
+        master.Cancel();
+        QCOMPARE(detail.RecordCount(), 3);
+        master.Close();
+        QVERIFY(detail.Active() && detail.IsEmpty());
+    }
+
+    void readOnly() {
+        Dataset query;
+        query.SetDatabase(m_db.get());
+        query.SetSql("SELECT unitId, unitName FROM Units");
+        query.Open();
+        QVERIFY(query.ReadOnly());
+        QVERIFY(!query.Edit());
+        QVERIFY(!query.Insert());
+        QVERIFY(!query.Append());
+        QVERIFY(!query.Delete());
+        QCOMPARE(query.State(), dsBrowse);
+        QVERIFY_THROWS_EXCEPTION(DatasetError, query.FieldByName("unitName").SetAsString("x"));
+
+        auto table = units();
+        table->SetReadOnly(true);
+        table->Open();
+        QVERIFY(!table->Edit());
+        QVERIFY(!table->Delete());
+        QCOMPARE(scalar("SELECT COUNT(*) FROM Units").toInt(), 4);
+    }
+
+    void bookmarks() {
+        auto ds = units();
+        ds->Open();
+        QVERIFY(ds->Locate("unitName", "kilogram"));
+        const Bookmark mark = ds->GetBookmark();
+        QCOMPARE(mark, Bookmark({3}));
+        ds->First();
+        // Rows added before it do not lose the record.
+        m_db->exec("INSERT INTO Units ( unitId, unitName ) VALUES ( 9, 'Cl' ), ( 8, 'dram' )");
+        ds->Refresh();
+        QCOMPARE(ds->RecordCount(), 6);
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Cup"));
+        QCOMPARE(ds->currentRow(), 1);
+        QVERIFY(ds->GotoBookmark(mark));
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("kilogram"));
+        ds->First();
+        ds->Refresh();
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Cl"));
+        QVERIFY(ds->GotoBookmark(mark) && ds->Delete());
+        QVERIFY(!ds->BookmarkValid(mark));
+        QVERIFY(!ds->GotoBookmark(mark));
+    }
+
+    void model() {
+        auto ds = units();
+        ds->AddCalculatedField("typeText");
+        ds->OnCalcFields = [](Dataset& d) {
+            d.FieldByName("typeText")
+                .SetAsString(d.FieldByName("unitType").AsInteger() == 1 ? "Weight" : "Volume");
+        };
+        ds->BeforePost = [](Dataset& d) {
+            if (d.FieldByName("unitName").IsNull())
+                throw Abort();
+        };
+        DatasetModel model(ds.get());
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.addColumn("unitName", "Unit name");
+        model.addColumn("typeText", "Type");
+        model.addColumn("unitConv", "Grams");
+        QSignalSpy current(&model, &DatasetModel::currentRowChanged);
+        ds->Open();
+        QCOMPARE(model.rowCount(), 4);
+        QCOMPARE(model.headerData(0, Qt::Horizontal).toString(), QString("Unit name"));
+        QCOMPARE(model.data(model.index(1, 0)).toString(), QString("gram"));
+        QCOMPARE(model.data(model.index(1, 1)).toString(), QString("Weight"));
+        QVERIFY(model.flags(model.index(1, 0)) & Qt::ItemIsEditable);
+        QVERIFY(!(model.flags(model.index(1, 1)) & Qt::ItemIsEditable));
+        QVERIFY(!model.setData(model.index(1, 1), "Volume"));
+
+        QVERIFY(model.setData(model.index(3, 2), 30));
+        QCOMPARE(ds->State(), dsBrowse);
+        QCOMPARE(model.currentRow(), 3);
+        QCOMPARE(current.last().first().toInt(), 3);
+        QCOMPARE(scalar("SELECT unitConv FROM Units WHERE unitName = 'Ounce'").toDouble(), 30.0);
+        QCOMPARE(model.data(model.index(3, 2)).toDouble(), 30.0);
+
+        QVERIFY(!model.setData(model.index(3, 0), QString())); // refused by BeforePost
+        QCOMPARE(ds->State(), dsEdit);
+        QVERIFY(!model.data(model.index(3, 0)).isValid());
+        ds->Cancel();
+        QCOMPARE(model.data(model.index(3, 0)).toString(), QString("Ounce"));
+
+        QVERIFY(model.setCurrentRow(0));
+        QCOMPARE(ds->FieldByName("unitName").AsString(), QString("Cup"));
+        QCOMPARE(model.bookmarkAt(0), Bookmark({2}));
+        // Row insertions and removals reach the model (the tester checks their signals).
+        QVERIFY(ds->Insert());
+        QCOMPARE(model.rowCount(), 5);
+        ds->Cancel();
+        QVERIFY(ds->Delete());
+        QCOMPARE(model.rowCount(), 3);
+        ds->SetReadOnly(true);
+        QVERIFY(!(model.flags(model.index(0, 0)) & Qt::ItemIsEditable));
+        ds->Close();
+        QCOMPARE(model.rowCount(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDataset)
+#include "test_dataset.moc"
