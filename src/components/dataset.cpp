@@ -918,6 +918,7 @@ bool Dataset::Post() {
     requireActive();
     if (m_state != dsEdit && m_state != dsInsert)
         return true;
+    requireWriteTarget(m_state == dsEdit);
     try {
         if (BeforePost)
             BeforePost(*this);
@@ -952,6 +953,8 @@ bool Dataset::Delete() {
     }
     if (m_readOnly || m_rows.isEmpty())
         return false;
+    // Checked before the handler, whose cascades would otherwise run for a row that stays.
+    requireWriteTarget(true);
     try {
         if (BeforeDelete)
             BeforeDelete(*this);
@@ -960,7 +963,6 @@ bool Dataset::Delete() {
     }
     if (!Active() || m_rows.isEmpty())
         return false;
-    requireWriteTarget(true);
     QVariantMap params;
     const QString where = keyCondition(keyValues(m_rows.at(m_current)), params);
     m_database->exec(kDeleteRow.arg(quoteName(m_tableName), where), params);

@@ -64,6 +64,12 @@ private:
 /// Rows of a table or of a SELECT read whole into memory, with a cursor, browse/edit/insert states
 /// and the events that record windows hang their rules on. A handler refuses an operation by
 /// throwing Abort: the operation returns false and the dataset stays as it was.
+///
+/// When events fire: AfterScroll after Open, First, Last, a hit of Locate or GotoBookmark, Next and
+/// Prior unless already at Eof/Bof, a move by moveTo, Insert/Append (after OnNewRecord) and Delete
+/// (after AfterDelete). Moving while in edit or insert state posts first, and stays when the post is
+/// refused. Abort thrown by an After* handler is swallowed: the operation is already done. Any
+/// other exception, DbError included, reaches the caller with the state unchanged.
 class Dataset : public QObject {
     Q_OBJECT
 public:

@@ -11,6 +11,7 @@ namespace qm {
 //  - LIKE: replaced on every connection by jetLike() ('*', '?', '#', [abc], [!abc], no case).
 //  - DATEDIFF('d', a, b) and CHR(n): registered functions; a date is a REAL day number.
 //  - String concatenation: Jet's '+' is written '||' in our statements.
+//  - Sorting by name: ORDER BY terms of a dataset carry COLLATE NOCASE, as Jet sorted text.
 //  - True / False: SQLite's own keywords (1 / 0); booleans are stored as 0 and 1.
 //  - No foreign keys and no cascades in the engine: the program runs every cascade itself.
 
