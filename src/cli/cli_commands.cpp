@@ -2,6 +2,7 @@
 
 #include "components/database.h"
 #include "culinary/nutrient_calculation.h"
+#include "culinary/price_list_import.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
 
@@ -122,6 +123,20 @@ int Recalc(Context& c, const QStringList& args) {
     for (const QVariant& value : rows.rows.first())
         values << FormatValue(value);
     c.out << values.join(QLatin1Char('\t')) << '\n';
+    return 0;
+}
+
+int ImportPriceListCommand(Context& c, const QStringList& args) {
+    if (args.size() != 1) {
+        c.err << "usage: quillmeal-cli import-price-list FILE\n";
+        return 2;
+    }
+    const TPriceListResult result = ImportPriceList(DataModuleMain->KADaoDatabase, args.first());
+    c.out << result.applied << '\n';
+    if (!result.error.isEmpty()) {
+        c.err << args.first() << ": " << result.error << '\n';
+        return 1;
+    }
     return 0;
 }
 

@@ -22,5 +22,7 @@ int IngredientForDate(Context& c, const QStringList& args);
 int Options(Context& c);
 /// Recalculates one recipe's nutrients, stores them and prints the seventeen values.
 int Recalc(Context& c, const QStringList& args);
+/// Applies an ingredient price list and prints how many elements it applied.
+int ImportPriceListCommand(Context& c, const QStringList& args);
 
 } // namespace cli

@@ -21,7 +21,8 @@ const char* const Usage =
     "  ingredient-in-menu MENUID INGREDID     amount, unit, price and cost over a menu\n"
     "  ingredient-for-date INGREDID FROM TO   the same over calendar days (yyyy-mm-dd)\n"
     "  options                                name, type, default and value of every option\n"
-    "  recalc RECID                           recalculate a recipe's nutrients and print them\n";
+    "  recalc RECID                           recalculate a recipe's nutrients and print them\n"
+    "  import-price-list FILE                 set ingredient prices from an XML price list\n";
 
 /// Messages go to standard error; the update question is answered by the command.
 class TCliPresenter : public TMessagePresenter {
@@ -54,7 +55,7 @@ int main(int argc, char** argv) {
     const QString command = args.takeFirst();
     static const QStringList known = {QStringLiteral("init"), QStringLiteral("sql"), QStringLiteral("new-id"),
                                       QStringLiteral("ingredient-in-menu"), QStringLiteral("ingredient-for-date"),
-                                      QStringLiteral("options"), QStringLiteral("recalc")};
+                                      QStringLiteral("options"), QStringLiteral("recalc"), QStringLiteral("import-price-list")};
     if (!known.contains(command)) {
         err << "unknown command: " << command << '\n' << Usage;
         return 2;
@@ -98,6 +99,8 @@ int main(int argc, char** argv) {
             status = cli::IngredientForDate(context, args);
         else if (command == QLatin1String("recalc"))
             status = cli::Recalc(context, args);
+        else if (command == QLatin1String("import-price-list"))
+            status = cli::ImportPriceListCommand(context, args);
         DataModuleMain = nullptr;
     } catch (const std::exception& e) {
         out.flush();

@@ -1,0 +1,62 @@
+#include "culinary/price_list_import.h"
+
+#include "components/database.h"
+
+#include <QFile>
+#include <QLocale>
+#include <QXmlStreamReader>
+
+namespace PriceListSql {
+const char* const UpdatePrice = "UPDATE Ingreds \nSET ingredPrice = :ingredPrice \nWHERE ingredId = :ingredId";
+}
+
+namespace {
+
+// The price is written in the machine's decimal format; a plain point is read as well.
+bool readPrice(const QString& text, double& price) {
+    bool ok = false;
+    price = QLocale::system().toDouble(text.trimmed(), &ok);
+    if (!ok)
+        price = QLocale::c().toDouble(text.trimmed(), &ok);
+    return ok;
+}
+
+} // namespace
+
+TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName) {
+    TPriceListResult result;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        result.error = file.errorString();
+        return result;
+    }
+    QXmlStreamReader xml(&file);
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement ||
+            xml.name().compare(QLatin1String("ingredient"), Qt::CaseInsensitive) != 0)
+            continue;
+        const QXmlStreamAttributes attributes = xml.attributes();
+        QString idText, priceText;
+        bool hasId = false, hasPrice = false;
+        for (const QXmlStreamAttribute& attribute : attributes) {
+            if (attribute.name() == QLatin1String("id")) {
+                idText = attribute.value().toString();
+                hasId = true;
+            } else if (attribute.name() == QLatin1String("price")) {
+                priceText = attribute.value().toString();
+                hasPrice = true;
+            }
+        }
+        bool idOk = false;
+        const int id = idText.trimmed().toInt(&idOk);
+        double price = 0;
+        if (!hasId || !hasPrice || !idOk || !readPrice(priceText, price))
+            continue;
+        db.exec(QString::fromLatin1(PriceListSql::UpdatePrice),
+                {{QStringLiteral("ingredPrice"), price}, {QStringLiteral("ingredId"), id}});
+        ++result.applied;
+    }
+    if (xml.hasError())
+        result.error = QStringLiteral("%1 (line %2)").arg(xml.errorString()).arg(xml.lineNumber());
+    return result;
+}

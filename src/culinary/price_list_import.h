@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+namespace qm {
+class Database;
+}
+
+namespace PriceListSql {
+extern const char* const UpdatePrice;
+}
+
+/// What an import did: elements applied, and the reader's complaint when the file broke off.
+struct TPriceListResult {
+    int applied = 0;
+    QString error;
+};
+
+/// Reads `ingredient` elements (any depth, name without case) with `id` and `price` and sets
+/// each price; an element with a bad or missing number is skipped, the last of equal ids wins.
+/// Elements before a broken part of the file stay applied. Throws DbError when a statement fails.
+TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName);
