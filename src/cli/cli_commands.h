@@ -24,5 +24,9 @@ int Options(Context& c);
 int Recalc(Context& c, const QStringList& args);
 /// Applies an ingredient price list and prints how many elements it applied.
 int ImportPriceListCommand(Context& c, const QStringList& args);
+/// The recipe search from options; prints recId and recName per hit, or the statement with --sql.
+int SearchRecipes(Context& c, const QStringList& args);
+/// The ingredient search likewise.
+int SearchIngredients(Context& c, const QStringList& args);
 
 } // namespace cli

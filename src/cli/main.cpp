@@ -22,7 +22,9 @@ const char* const Usage =
     "  ingredient-for-date INGREDID FROM TO   the same over calendar days (yyyy-mm-dd)\n"
     "  options                                name, type, default and value of every option\n"
     "  recalc RECID                           recalculate a recipe's nutrients and print them\n"
-    "  import-price-list FILE                 set ingredient prices from an XML price list\n";
+    "  import-price-list FILE                 set ingredient prices from an XML price list\n"
+    "  search-recipes [OPTIONS]               the recipe search (options: see the README)\n"
+    "  search-ingredients [OPTIONS]           the ingredient search\n";
 
 /// Messages go to standard error; the update question is answered by the command.
 class TCliPresenter : public TMessagePresenter {
@@ -55,7 +57,8 @@ int main(int argc, char** argv) {
     const QString command = args.takeFirst();
     static const QStringList known = {QStringLiteral("init"), QStringLiteral("sql"), QStringLiteral("new-id"),
                                       QStringLiteral("ingredient-in-menu"), QStringLiteral("ingredient-for-date"),
-                                      QStringLiteral("options"), QStringLiteral("recalc"), QStringLiteral("import-price-list")};
+                                      QStringLiteral("options"), QStringLiteral("recalc"), QStringLiteral("import-price-list"),
+                                      QStringLiteral("search-recipes"), QStringLiteral("search-ingredients")};
     if (!known.contains(command)) {
         err << "unknown command: " << command << '\n' << Usage;
         return 2;
@@ -101,6 +104,10 @@ int main(int argc, char** argv) {
             status = cli::Recalc(context, args);
         else if (command == QLatin1String("import-price-list"))
             status = cli::ImportPriceListCommand(context, args);
+        else if (command == QLatin1String("search-recipes"))
+            status = cli::SearchRecipes(context, args);
+        else if (command == QLatin1String("search-ingredients"))
+            status = cli::SearchIngredients(context, args);
         DataModuleMain = nullptr;
     } catch (const std::exception& e) {
         out.flush();

@@ -1,0 +1,164 @@
+// The search statements run against a real database, and the shortcuts that keep them.
+#include "test_store.h"
+
+#include "culinary/recipe_search.h"
+#include "store/shortcuts.h"
+
+#include <QTest>
+
+namespace {
+
+const QStringList kScenario = {
+    "INSERT INTO RGroups ( recGroupId, recGroupName, parentId ) VALUES ( 1, 'Mains', 0 ), ( 2, 'Fish', 1 ), "
+    "( 3, 'Baking', 0 ), ( 4, 'Aardvark', 1 )",
+    "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES ( 1, 'gram', 'g', 'g', 1, 1 )",
+    "INSERT INTO Ingreds ( ingredId, ingredName, unitId ) VALUES ( 10, 'Salt', 1 ), ( 11, 'Cod', 1 ), ( 12, 'Flour', 1 )",
+    "INSERT INTO Recipes ( recId, recGroupId, recName, recServings, recTime, recFreeForm, nutCal ) VALUES "
+    "( 1, 2, 'Salted cod', 2, 20, 0, 0 ), ( 2, 2, 'O''Brien''s fish pie', 4, 60, 0, 350 ), "
+    "( 3, 3, 'Plain bread', 6, 90, 0, NULL ), ( 4, 1, 'Brine', 1, 5, 0, 0 ), ( 5, 3, 'Empty idea', 1, 1, 0, 10 ), "
+    "( 6, 3, 'Typed salt', 1, 1, 1, 0 )",
+    "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 1, 10, 5, 1 ), ( 1, 11, 300, 1 ), "
+    "( 2, 11, 400, 1 ), ( 2, 12, 100, 1 ), ( 3, 12, 500, 1 ), ( 3, 10, 8, 1 ), ( 4, 10, 30, 1 )",
+    "INSERT INTO Categories ( catId, catName ) VALUES ( 1, 'Quick' ), ( 2, 'Salty' )",
+    "INSERT INTO RecCat ( recId, catId ) VALUES ( 1, 1 ), ( 1, 2 ), ( 4, 2 ), ( 5, 1 )",
+};
+
+QList<int> ids(TestStore& store, const QString& statement) {
+    QList<int> result;
+    for (const QVariantList& row : store.db().select(statement).rows)
+        result << row.first().toInt();
+    std::sort(result.begin(), result.end());
+    return result;
+}
+
+QList<int> search(TestStore& store, TRecipeSearchCriteria c) {
+    c.groupChildrenIds = ChildrenIds(store.db(), "RGroups", "recGroupId", "recGroupName", c.groupKey);
+    return ids(store, StatementText(BuildRecipeSearchLines(c)));
+}
+
+} // namespace
+
+class TestRecipeSearch : public QObject {
+    Q_OBJECT
+
+private slots:
+    void groupsAndChildren() {
+        TestStore store;
+        store.exec(kScenario);
+        QCOMPARE(ChildrenIds(store.db(), "RGroups", "recGroupId", "recGroupName", 1), QStringLiteral("1, 4, 2"));
+        TRecipeSearchCriteria all;
+        all.groupKey = 3;
+        QCOMPARE(search(store, all), (QList<int>{1, 2, 3, 4, 5, 6})); // "All groups" limits nothing
+        all.allGroups = false;
+        QCOMPARE(search(store, all), (QList<int>{3, 5, 6}));
+        all.groupKey = 1;
+        QCOMPARE(search(store, all), (QList<int>{1, 2, 4}));
+        all.groupKey = 0;
+        all.allGroups = true; // at the root the list of every group is written out
+        QCOMPARE(search(store, all), (QList<int>{1, 2, 3, 4, 5, 6}));
+    }
+
+    void apostropheAndCategories() {
+        TestStore store;
+        store.exec(kScenario);
+        TRecipeSearchCriteria c;
+        c.groupKey = 1;
+        c.pattern = QStringLiteral("o'brien's");
+        QCOMPARE(search(store, c), QList<int>{2});
+        c.pattern.clear();
+        c.belongsTo = {1, 2};
+        QCOMPARE(search(store, c), QList<int>{1}); // in both categories
+        c.belongsTo = {};
+        c.notBelongsTo = {1, 2};
+        QCOMPARE(search(store, c), (QList<int>{2, 3, 6}));
+    }
+
+    void contentsAndMadeOf() {
+        TestStore store;
+        store.exec(kScenario);
+        TRecipeSearchCriteria c;
+        c.groupKey = 1;
+        c.contains = {10, 11};
+        QCOMPARE(search(store, c), QList<int>{1}); // both ingredients
+        c.contains = {};
+        c.notContains = {10};
+        QCOMPARE(search(store, c), (QList<int>{2, 5, 6}));
+        c.notContains = {};
+        c.canBeMadeOf = true;
+        c.contains = {10};
+        // Salt alone, and the recipe without lines; never the free-form one.
+        QCOMPARE(search(store, c), (QList<int>{4, 5}));
+    }
+
+    void limitsAndNumbers() {
+        TestStore store;
+        store.exec(kScenario);
+        TRecipeSearchCriteria c;
+        c.groupKey = 1;
+        c.nutrients[QStringLiteral("nutCal")] = TNutrientLimit{QStringLiteral("<="), QStringLiteral("0")};
+        QCOMPARE(search(store, c), (QList<int>{1, 4, 6})); // NULL is not 0
+        c.nutrients.clear();
+        c.prepTime = QStringLiteral("20");
+        c.servings = QStringLiteral("2");
+        QCOMPARE(search(store, c), QList<int>{1});
+    }
+
+    void emptyListRepeatsTheLastFragment() {
+        TRecipeSearchCriteria c;
+        c.groupKey = 2;
+        c.prepTime = QStringLiteral("30");
+        const QStringList lines = BuildRecipeSearchLines(c);
+        // Select, not-belongs (nothing formatted yet: empty), time, not-contains (time again).
+        QCOMPARE(lines.size(), 4);
+        QCOMPARE(lines.at(1), QString());
+        QCOMPARE(lines.at(2), QStringLiteral(" AND recTime <= 30"));
+        QCOMPARE(lines.at(3), lines.at(2));
+        c.canBeMadeOf = true;
+        QCOMPARE(BuildRecipeSearchLines(c).last(), QStringLiteral(" AND recTime <= 30"));
+    }
+
+    void ingredientSearch() {
+        TestStore store;
+        store.exec(kScenario);
+        store.exec({"INSERT INTO ITypes ( ingredTypeId, ingredTypeName, parentId ) VALUES ( 1, 'Basics', 0 )",
+                    "UPDATE Ingreds SET ingredTypeId = 1, nutSodium = 38000 WHERE ingredId = 10"});
+        TIngredientSearchCriteria c;
+        c.typeKey = 1;
+        c.pattern = QStringLiteral("f*r"); // a typed star is a wildcard too
+        QCOMPARE(ids(store, StatementText(BuildIngredientSearchLines(c))), QList<int>{12});
+        c.pattern.clear();
+        c.allTypes = false;
+        c.typeChildrenIds = ChildrenIds(store.db(), "ITypes", "ingredTypeId", "ingredTypeName", 1);
+        c.nutrients[QStringLiteral("nutSodium")] = TNutrientLimit{QStringLiteral(">="), QStringLiteral("1000")};
+        QCOMPARE(ids(store, StatementText(BuildIngredientSearchLines(c))), QList<int>{10});
+    }
+
+    void shortcutsKeepAndMoveSearches() {
+        TestStore store;
+        store.exec(kScenario);
+        TRecipeSearchCriteria c;
+        c.groupKey = 1;
+        c.pattern = QStringLiteral("o'brien");
+        QCOMPARE(Shortcuts::SaveRecipeSearch(StatementText(BuildRecipeSearchLines(c))), 1);
+        c.pattern = QStringLiteral("salt");
+        QCOMPARE(Shortcuts::SaveRecipeSearch(StatementText(BuildRecipeSearchLines(c))), 2);
+        QCOMPARE(Shortcuts::SaveRecipeSearch(QStringLiteral("SELECT recId FROM Recipes WHERE recId = 3")), 3);
+        QCOMPARE(Shortcuts::Load().first().name, GetText(QStringLiteral("NewShortcutToRecipes")));
+        // A restart: the connection is opened anew and the saved statement runs on today's data.
+        store.dataModule().KADaoDatabase.close();
+        store.dataModule().DataModuleCreate();
+        QCOMPARE(ids(store, Shortcuts::Open(0).definition), QList<int>{2});
+        Shortcuts::Rename(1, QStringLiteral("Salty things"));
+        Shortcuts::MoveUp(1);
+        QCOMPARE(Shortcuts::Load().first().name, QStringLiteral("Salty things"));
+        Shortcuts::MoveDown(0);
+        QCOMPARE(Shortcuts::Load().at(1).name, QStringLiteral("Salty things"));
+        Shortcuts::Delete(1); // the middle of three: the third becomes 2
+        QCOMPARE(ids(store, "SELECT shortcutId FROM Shortcuts"), (QList<int>{1, 2}));
+        QCOMPARE(ids(store, Shortcuts::Open(1).definition), QList<int>{3});
+        QCOMPARE(Shortcuts::Open(5).type, 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRecipeSearch)
+#include "test_recipe_search.moc"
