@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QToolBox>
+
+class QListWidget;
+class QListWidgetItem;
+
+/// The Outlook-like bar: pages of clickable items with a picture, large (caption under the
+/// picture) or small (caption beside it).
+class TOutlookBar : public QToolBox {
+    Q_OBJECT
+public:
+    explicit TOutlookBar(QWidget* parent = nullptr);
+
+    /// Appends a page; returns its index.
+    int AddPage(const QString& caption);
+    int PageCount() const { return count(); }
+    QListWidget* Page(int page) const;
+    QString PageCaption(int page) const { return itemText(page); }
+    void SetPageCaption(int page, const QString& caption) { setItemText(page, caption); }
+
+    QListWidgetItem* AddItem(int page, const QString& caption, const QIcon& icon);
+    /// Removes every item of the page.
+    void ClearPage(int page);
+    int ItemCount(int page) const;
+    QListWidgetItem* Item(int page, int item) const;
+    QString ItemCaption(int page, int item) const;
+    void SetItemCaption(int page, int item, const QString& caption);
+    void SetItemEnabled(int page, int item, bool enabled);
+    bool ItemEnabled(int page, int item) const;
+
+    void SetSmallIcons(bool small);
+    bool SmallIcons() const { return m_small; }
+
+    /// Clicks an item as the pointer does; a disabled item does nothing.
+    void ClickItem(int page, int item);
+
+signals:
+    void ItemClick(int page, int item);
+
+private:
+    void applyIconSize(QListWidget* list) const;
+
+    bool m_small = false;
+};

@@ -1,0 +1,563 @@
+// The record-window rules without widgets, on a fresh database: group and record deletes, the
+// quick search, validation texts, selections, drops and remembered geometry.
+#include "test_store.h"
+
+#include "components/database.h"
+#include "components/messages.h"
+#include "components/sql_format.h"
+#include "store/option_table.h"
+#include "store/record_kinds.h"
+#include "store/record_window_rules.h"
+
+#include <QTest>
+
+using Kind = TMessagePresenter::Kind;
+
+namespace {
+
+QString text(const char* key) {
+    return GetText(QString::fromLatin1(key), QString());
+}
+
+QList<QPair<Kind, QString>> shown(std::initializer_list<QPair<Kind, const char*>> keys) {
+    QList<QPair<Kind, QString>> result;
+    for (const auto& [kind, key] : keys)
+        result << qMakePair(kind, text(key));
+    return result;
+}
+
+int count(TestStore& store, const QString& sql) {
+    return store.db().scalar(sql).toInt();
+}
+
+// Two ingredient types, the first with a subtype; ingredients with lines, grams and a unit.
+const QStringList kIngredientScenario = {
+    "INSERT INTO ITypes ( ingredTypeId, ingredTypeName, parentId ) VALUES ( 1, 'Fruit', 0 ), ( 2, 'Dairy', 0 "
+    "), "
+    "( 3, 'Berries', 1 ), ( 4, 'Spices', 0 )",
+    "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
+    "( 1, 'gram', 'g', 'g', 1, 1 ), ( 9, 'cup', 'cup', 'c', 2, NULL ), ( 100001, 'scoop', 'sc', 's', 2, NULL "
+    ")",
+    "INSERT INTO Ingreds ( ingredId, ingredTypeId, ingredName, unitId, ingredPrice ) VALUES "
+    "( 200001, 2, 'Milk', 9, 1.5 ), ( 200002, 2, 'Cream', 100001, 3 ), ( 200003, 1, 'Apple', 1, 0.5 ), "
+    "( 50, 1, 'Apricot', 1, 0.7 ), ( 200004, 1, 'Grape', 1, 0.2 ), ( 200005, 4, 'Pepper@Home', 1, 9 )",
+    "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 9, 200001, 244 ), ( 100001, 200002, 50 ), "
+    "( 9, 200003, 150 )",
+    "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 1, 200001, 2, 9 ), ( 1, 200003, 1, 1 "
+    "), "
+    "( 2, 200002, 1, 100001 )",
+};
+
+} // namespace
+
+class TestRecordWindowRules : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Every option a kind reads is declared and every message it shows is in the language file, so
+    // a misspelt key (the misspelling CookinTip is the declared one) fails here.
+    void kindsNameDeclaredOptionsAndKnownTexts_data() {
+        QTest::addColumn<int>("which");
+        QTest::newRow("units") << 0;
+        QTest::newRow("ingredients") << 1;
+        QTest::newRow("recipes") << 2;
+        QTest::newRow("menus") << 3;
+        QTest::newRow("cooking tips") << 4;
+    }
+    void kindsNameDeclaredOptionsAndKnownTexts() {
+        QFETCH(int, which);
+        TestStore store;
+        const qm::RecordKind kinds[] = {RecordKinds::Units(), RecordKinds::Ingredients(),
+                                        RecordKinds::Recipes(), RecordKinds::Menus(),
+                                        RecordKinds::CookingTips()};
+        const qm::RecordKind& kind = kinds[which];
+        for (const QString& option : kind.OptionNames())
+            QVERIFY2(store.holder().VintraOptions.has(option), qPrintable(option));
+        QStringList keys = {kind.questionDeleteRecord, kind.noMatching, kind.noMoreMatching,
+                            kind.recordReferenced, kind.statusKey};
+        if (kind.lockedRecords)
+            keys << kind.lockedDelete;
+        if (kind.HasTree())
+            keys << kind.questionDeleteGroup << kind.groupContainsChildren << kind.groupContainsRecords
+                 << kind.newGroupNameKey << kind.rootNodeNameKey;
+        for (const QString& key : std::as_const(keys))
+            if (!key.isEmpty())
+                QVERIFY2(store.holder().VintraDictionary.contains(key), qPrintable(key));
+    }
+
+    // The statements the pattern builds from table names read exactly as the windows quote them.
+    void builtStatementsReadAsQuoted() {
+        const qm::RecordKind ingredients = RecordKinds::Ingredients();
+        QCOMPARE(
+            ingredients.GroupRecordsCountSql(),
+            QStringLiteral("SELECT COUNT( * ) AS numberOfRefs \nFROM Ingreds \nWHERE ingredTypeId = %d"));
+        QCOMPARE(ingredients.GroupChildrenCountSql(),
+                 QStringLiteral("SELECT COUNT( * ) AS numberOfRefs \nFROM ITypes \nWHERE parentId = %d"));
+        QCOMPARE(ingredients.moveStatement,
+                 QStringLiteral("UPDATE Ingreds \nSET ingredTypeId = %d \nWHERE ingredId IN( %s )"));
+        QCOMPARE(RecordKinds::Recipes().moveStatement,
+                 QStringLiteral("UPDATE Recipes \nSET recGroupId = %d \nWHERE recId IN( %s )"));
+        QCOMPARE(RecordKinds::Menus().moveStatement,
+                 QStringLiteral("UPDATE Menus \nSET menuGroupId = %d \nWHERE menuId IN( %s )"));
+        QCOMPARE(RecordKinds::CookingTips().GroupRecordsCountSql(),
+                 QStringLiteral(
+                     "SELECT COUNT( * ) AS numberOfRefs \nFROM CookingTips \nWHERE cookingTipGroupId = %d"));
+        QCOMPARE(RecordKinds::CookingTips().confirmDeletionGroup,
+                 QStringLiteral("ConfirmDeletionCookinTipGroup"));
+    }
+
+    // Each cascade runs on the real schema, except the statements kept as they stand although they
+    // name columns the tables lack.
+    void cascadesRunOnTheSchema() {
+        TestStore store;
+        const qm::RecordKind kinds[] = {RecordKinds::Units(), RecordKinds::Ingredients(),
+                                        RecordKinds::Recipes(), RecordKinds::Menus(),
+                                        RecordKinds::CookingTips()};
+        for (const qm::RecordKind& kind : kinds) {
+            const bool brokenGroupCascade = kind.recordTable == QLatin1String("Menus") ||
+                                            kind.recordTable == QLatin1String("CookingTips");
+            const bool brokenRecordCascade = kind.recordTable == QLatin1String("CookingTips");
+            for (const QString& sql : kind.referenceCounts)
+                QCOMPARE(count(store, qm::format(sql, {7})), 0);
+            if (kind.HasTree())
+                QCOMPARE(qm::ClassifyGroup(kind, 7), int(qm::gvEmpty));
+            bool groupFailed = false;
+            try {
+                qm::RunCascade(kind.groupCascade, 7);
+            } catch (const qm::DbError&) {
+                groupFailed = true;
+            }
+            QVERIFY2(groupFailed == brokenGroupCascade, qPrintable(kind.recordTable));
+            bool recordFailed = false;
+            try {
+                qm::RunCascade(kind.recordCascade, 7);
+                qm::RunCascade(kind.recordDeleteSteps, 7);
+            } catch (const qm::DbError&) {
+                recordFailed = true;
+            }
+            QVERIFY2(recordFailed == brokenRecordCascade, qPrintable(kind.recordTable));
+        }
+    }
+
+    // Child groups win over records whatever IRDelete says, and nothing is deleted.
+    void childrenMessageWinsOverRecords_data() {
+        QTest::addColumn<int>("rule");
+        QTest::newRow("restricted") << 1;
+        QTest::newRow("cascade") << 2;
+    }
+    void childrenMessageWinsOverRecords() {
+        QFETCH(int, rule);
+        TestStore store;
+        store.exec(kIngredientScenario);
+        store.holder().VintraOptions.SetAsInteger("IRDeleteIngredientType", rule);
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        QCOMPARE(qm::ClassifyGroup(RecordKinds::Ingredients(), 1), int(qm::gvChildren));
+        QVERIFY_THROWS_EXCEPTION(Abort, qm::DeleteGroupRules(RecordKinds::Ingredients(), 1));
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Question, "QuestionDeleteIngredientType"},
+                                         {TMessagePresenter::Info, "InfoIngredientTypeContainsChildren"}}));
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Ingreds WHERE ingredTypeId = 1"), 3);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Contents"), 3);
+    }
+
+    void groupWithRecordsRestrictedOrCascaded() {
+        TestStore store;
+        store.exec(kIngredientScenario);
+        TScriptedPresenter presenter;
+        store.holder().VintraOptions.SetAsBoolean("ConfirmDeletionIngredientType", false);
+
+        // Restricted: the records message, nothing deleted.
+        QCOMPARE(qm::ClassifyGroup(RecordKinds::Ingredients(), 2), int(qm::gvRecords));
+        QVERIFY_THROWS_EXCEPTION(Abort, qm::DeleteGroupRules(RecordKinds::Ingredients(), 2));
+        QCOMPARE(presenter.shown,
+                 shown({{TMessagePresenter::Info, "InfoIngredientTypeContainsIngredients"}}));
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Ingreds WHERE ingredTypeId = 2"), 2);
+
+        // Cascade: the lines and grams of the group's ingredients go before the ingredients, which
+        // the first two statements find through them; other groups keep theirs.
+        presenter.clear();
+        store.holder().VintraOptions.SetAsInteger("IRDeleteIngredientType", 2);
+        qm::DeleteGroupRules(RecordKinds::Ingredients(), 2);
+        QVERIFY(presenter.shown.isEmpty());
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Ingreds WHERE ingredTypeId = 2"), 0);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Contents WHERE ingredId IN ( 200001, 200002 )"), 0);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Convs WHERE ingredId IN ( 200001, 200002 )"), 0);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Contents"), 1);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Convs"), 1);
+        // The group row itself is the tree's to delete.
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM ITypes WHERE ingredTypeId = 2"), 1);
+
+        // An empty group passes at once.
+        QCOMPARE(qm::ClassifyGroup(RecordKinds::Ingredients(), 2), int(qm::gvEmpty));
+        qm::DeleteGroupRules(RecordKinds::Ingredients(), 2);
+        QVERIFY(presenter.shown.isEmpty());
+    }
+
+    void groupQuestionAnsweredNoEndsSilently() {
+        TestStore store;
+        store.exec(kIngredientScenario);
+        store.holder().VintraOptions.SetAsInteger("IRDeleteIngredientType", 2);
+        TScriptedPresenter presenter;
+        presenter.answers = {mrNo};
+        QVERIFY_THROWS_EXCEPTION(Abort, qm::DeleteGroupRules(RecordKinds::Ingredients(), 2));
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Question, "QuestionDeleteIngredientType"}}));
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Ingreds WHERE ingredTypeId = 2"), 2);
+    }
+
+    // The menu group cascade names missing columns: the engine refuses its first statement and the
+    // rows stay, so a group with menus can't be deleted under either rule.
+    void menuGroupCascadeFailsBeforeAnyDelete() {
+        TestStore store;
+        store.exec({"INSERT INTO MGroups ( menuGroupId, menuGroupName, parentId ) VALUES ( 5, 'Week', 0 )",
+                    "INSERT INTO Menus ( menuId, menuName, menuGroupId ) VALUES ( 1, 'Monday', 5 )",
+                    "INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 1, 3, 2 )"});
+        store.holder().VintraOptions.SetAsInteger("IRDeleteMenuGroup", 2);
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        QVERIFY_THROWS_EXCEPTION(qm::DbError, qm::DeleteGroupRules(RecordKinds::Menus(), 5));
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Menus"), 1);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM RecMen"), 1);
+    }
+
+    // A locked record is refused before any question; the boundary is 100000.
+    void lockedRecordRefusedFirst_data() {
+        QTest::addColumn<int>("id");
+        QTest::addColumn<bool>("locked");
+        QTest::newRow("unit 1") << 1 << true;
+        QTest::newRow("last delivered") << 100000 << true;
+        QTest::newRow("first of the user") << 100001 << false;
+    }
+    void lockedRecordRefusedFirst() {
+        QFETCH(int, id);
+        QFETCH(bool, locked);
+        TestStore store;
+        TScriptedPresenter presenter;
+        presenter.answers = {mrNo};
+        QVERIFY_THROWS_EXCEPTION(Abort, qm::DeleteRecordRules(RecordKinds::Units(), id));
+        if (locked)
+            QCOMPARE(presenter.shown, shown({{TMessagePresenter::Info, "InfoLockedUnitDelete"}}));
+        else
+            QCOMPARE(presenter.shown, shown({{TMessagePresenter::Question, "QuestionDeleteUnit"}}));
+    }
+
+    void referencedRecordRestrictedOrCascaded() {
+        TestStore store;
+        store.exec(kIngredientScenario);
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        // The scoop is used by a recipe line, a Convs row and an ingredient's base unit.
+        QVERIFY_THROWS_EXCEPTION(Abort, qm::DeleteRecordRules(RecordKinds::Units(), 100001));
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Question, "QuestionDeleteUnit"},
+                                         {TMessagePresenter::Info, "InfoUnitReferencedByIngredient"}}));
+
+        presenter.clear();
+        store.holder().VintraOptions.SetAsBoolean("ConfirmDeletionUnit", false);
+        store.holder().VintraOptions.SetAsInteger("IRDeleteUnit", 2);
+        qm::DeleteRecordRules(RecordKinds::Units(), 100001);
+        QVERIFY(presenter.shown.isEmpty());
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Contents WHERE unitId = 100001"), 0);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Convs WHERE unitId = 100001"), 0);
+        // The cream falls back to unit 1 and keeps the price it had for the scoop.
+        QCOMPARE(count(store, "SELECT unitId FROM Ingreds WHERE ingredId = 200002"), 1);
+        QCOMPARE(store.db().scalar("SELECT ingredPrice FROM Ingreds WHERE ingredId = 200002").toDouble(),
+                 3.0);
+    }
+
+    // A unit used only in Convs counts as referenced, with the message that names ingredients.
+    void unitInConvsOnlyIsReferenced() {
+        TestStore store;
+        store.exec({"INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 100002, 7, 12 )"});
+        store.holder().VintraOptions.SetAsBoolean("ConfirmDeletionUnit", false);
+        TScriptedPresenter presenter;
+        QVERIFY_THROWS_EXCEPTION(Abort, qm::DeleteRecordRules(RecordKinds::Units(), 100002));
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Info, "InfoUnitReferencedByIngredient"}}));
+    }
+
+    // Recipes and menus have no locked check; a menu asks always and drops its recipe rows.
+    void kindsWithoutLockAndWithFixedQuestion() {
+        TestStore store;
+        store.exec({"INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 12, 3, 2 ), ( 13, 3, 1 )"});
+        TScriptedPresenter presenter;
+        store.holder().VintraOptions.SetAsBoolean("ConfirmDeletionRecipe", false);
+        qm::DeleteRecordRules(RecordKinds::Recipes(), 12);
+        QVERIFY(presenter.shown.isEmpty());
+
+        presenter.answers = {mrYes};
+        qm::DeleteRecordRules(RecordKinds::Menus(), 12);
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Question, "QuestionDeleteMenu"}}));
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM RecMen"), 1);
+        // A window's own cascade stands in for the kind's statements.
+        store.holder().VintraOptions.SetAsInteger("IRDeleteRecipe", 2);
+        QList<int> cascaded;
+        qm::DeleteRecordRules(RecordKinds::Recipes(), 3, [&](int id) { cascaded << id; });
+        QCOMPARE(cascaded, QList<int>{3});
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM RecMen"), 1);
+    }
+
+    void findNextBeforeFind() {
+        TestStore store;
+        TScriptedPresenter presenter;
+        qm::QuickSearch search(RecordKinds::Ingredients());
+        QVERIFY(!search.Find(true, "a"));
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Info, "InfoStartSearchFirst"}}));
+    }
+
+    // Hits come in the statement's order (group, then name) with their groups; past the last one
+    // every find next says so again.
+    void findWalksHitsAndStaysAtTheEnd() {
+        TestStore store;
+        store.exec(kIngredientScenario);
+        TScriptedPresenter presenter;
+        qm::QuickSearch search(RecordKinds::Ingredients());
+        QList<QPair<int, int>> hits;
+        for (auto hit = search.Find(false, "ap"); hit; hit = search.Find(true, "ignored"))
+            hits << qMakePair(hit->recordId, hit->groupKey);
+        QCOMPARE(hits, (QList<QPair<int, int>>{{200003, 1}, {50, 1}, {200004, 1}}));
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Info, "InfoNoMoreMatchingIngredients"}}));
+        QVERIFY(!search.Find(true, "ap"));
+        QVERIFY(search.QueryQuickSearch.Active());
+        QCOMPARE(presenter.texts(), QStringList(2, text("InfoNoMoreMatchingIngredients")));
+
+        presenter.clear();
+        QVERIFY(!search.Find(false, "zz"));
+        QCOMPARE(presenter.shown, shown({{TMessagePresenter::Info, "InfoNoMatchingIngredient"}}));
+    }
+
+    // '*' and '?' typed by the user are wildcards; an '@' typed stays an '@'.
+    void patternWildcards_data() {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QList<int>>("ids");
+        QTest::newRow("plain, any case") << "CREAM" << QList<int>{200002};
+        QTest::newRow("star") << "p*e" << QList<int>{200003, 200004, 200005};
+        QTest::newRow("question mark") << "a?r" << QList<int>{50};
+        QTest::newRow("at sign stays") << "@" << QList<int>{200005};
+        QTest::newRow("at sign inside") << "r@h" << QList<int>{200005};
+    }
+    void patternWildcards() {
+        QFETCH(QString, pattern);
+        QFETCH(QList<int>, ids);
+        TestStore store;
+        store.exec(kIngredientScenario);
+        TScriptedPresenter presenter;
+        qm::QuickSearch search(RecordKinds::Ingredients());
+        QList<int> found;
+        for (auto hit = search.Find(false, pattern); hit; hit = search.Find(true, pattern))
+            found << hit->recordId;
+        std::sort(found.begin(), found.end());
+        std::sort(ids.begin(), ids.end());
+        QCOMPARE(found, ids);
+    }
+
+    void findStatementTakesThePatternForEachPlace() {
+        QCOMPARE(
+            qm::QuickSearchStatement(RecordKinds::Units().quickSearchSql, "t@p"),
+            QStringLiteral("SELECT unitId \nFROM Units \nWHERE unitName LIKE '*t@p*' \n   OR unitAbbrev LIKE "
+                           "'*t@p*' \n   OR unitAbbrevSmall LIKE '*t@p*' \nORDER BY unitName"));
+    }
+
+    void fieldErrorLines_data() {
+        QTest::addColumn<QList<int>>("kinds");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("one empty field") << QList<int>{7} << "Please fill in the unit name.";
+        QTest::newRow("lines in order, kind 3 adds nothing")
+            << QList<int>{0, 3, 1, 2}
+            << "Please fill in the recipe name.\nThe preparation time must be a positive whole number.\n"
+               "Please fill in the servings.";
+        QTest::newRow("only kind 3") << QList<int>{3} << "";
+        QTest::newRow("unknown kind") << QList<int>{13} << "";
+        QTest::newRow("tips") << QList<int>{10, 11}
+                              << "Please fill in the cooking tip name.\nPlease fill in the "
+                                 "cooking tip description.";
+    }
+    void fieldErrorLines() {
+        QFETCH(QList<int>, kinds);
+        QFETCH(QString, expected);
+        TestStore store;
+        QString errors;
+        for (int kind : std::as_const(kinds))
+            AddFieldError(kind, errors);
+        QCOMPARE(errors, expected);
+    }
+
+    void fieldErrorLabelsFollowTheDictionary() {
+        TestStore store;
+        QTemporaryDir dir;
+        const QString file = dir.filePath("Test.xml");
+        QFile out(file);
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write("<dictionary language=\"Test\"><entry key=\"ErrorEmptyField\">[%s] missing</entry>"
+                  "<entry key=\"unit_abb\">abbr</entry></dictionary>");
+        out.close();
+        store.holder().VintraDictionary.SetFileName(file);
+        QString errors = "earlier";
+        AddFieldError(8, errors);
+        AddFieldError(9, errors);
+        QCOMPARE(errors, QStringLiteral("earlier\n[abbr] missing\n[unit small abbreviation] missing"));
+    }
+
+    void selectedIdsAndTheLockedFlag_data() {
+        QTest::addColumn<QList<int>>("rows");
+        QTest::addColumn<int>("current");
+        QTest::addColumn<QString>("ids");
+        QTest::addColumn<bool>("locked");
+        QTest::newRow("no selection: current row") << QList<int>{} << 3 << "200000" << false;
+        QTest::newRow("current row locked") << QList<int>{} << 1 << "100000" << true;
+        QTest::newRow("two user records") << QList<int>{2, 3} << 0 << "100001, 200000" << false;
+        QTest::newRow("one locked among them") << QList<int>{0, 1, 3} << 3 << "5, 100000, 200000" << true;
+    }
+    void selectedIdsAndTheLockedFlag() {
+        QFETCH(QList<int>, rows);
+        QFETCH(int, current);
+        QFETCH(QString, ids);
+        QFETCH(bool, locked);
+        TestStore store;
+        store.exec({"INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall ) VALUES "
+                    "( 5, 'a', 'a', 'a' ), ( 100000, 'b', 'b', 'b' ), ( 100001, 'c', 'c', 'c' ), "
+                    "( 200000, 'd', 'd', 'd' )"});
+        qm::Dataset units;
+        units.SetDatabase(&store.db());
+        units.SetTableName("Units");
+        units.SetSortedBy("unitName");
+        units.Open();
+        QVERIFY(units.moveTo(current));
+        bool containsLocked = !locked;
+        QString list;
+        GetSelectedIds(units, rows, "unitId", containsLocked, list);
+        QCOMPARE(list, ids);
+        QCOMPARE(containsLocked, locked);
+        QVERIFY(SelectRecordById(units, "unitId", 100001));
+        QCOMPARE(units.currentRow(), 2);
+        QVERIFY(!IsDataSetEmpty(units));
+        units.Close();
+        QVERIFY(IsDataSetEmpty(units));
+    }
+
+    void dropAcceptance_data() {
+        QTest::addColumn<bool>("fromGrid");
+        QTest::addColumn<bool>("overNode");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("another group") << true << true << 4 << true;
+        QTest::newRow("the current group") << true << true << 2 << false;
+        QTest::newRow("the root") << true << true << 0 << false;
+        QTest::newRow("no node under the pointer") << true << false << 4 << false;
+        QTest::newRow("not from the grid") << false << true << 4 << false;
+    }
+    void dropAcceptance() {
+        QFETCH(bool, fromGrid);
+        QFETCH(bool, overNode);
+        QFETCH(int, key);
+        QFETCH(bool, accepted);
+        QCOMPARE(qm::AcceptRecordDrop(fromGrid, overNode, key, 2), accepted);
+    }
+
+    void moveStatementsByKind() {
+        TestStore store;
+        store.exec(kIngredientScenario);
+        store.exec({"INSERT INTO CookingTips ( cookingTipId, cookingTipName, cookingTipGroupId ) VALUES "
+                    "( 1, 'a', 1 ), ( 2, 'b', 1 )"});
+        qm::MoveRecords(RecordKinds::Ingredients(), 4, "50, 200001", 50);
+        QCOMPARE(count(store, "SELECT COUNT(*) FROM Ingreds WHERE ingredTypeId = 4"), 3);
+        // Cooking tips move one at a time: the current one only.
+        qm::MoveRecords(RecordKinds::CookingTips(), 3, "1, 2", 2);
+        QCOMPARE(count(store, "SELECT cookingTipGroupId FROM CookingTips WHERE cookingTipId = 1"), 1);
+        QCOMPARE(count(store, "SELECT cookingTipGroupId FROM CookingTips WHERE cookingTipId = 2"), 3);
+    }
+
+    void newGroupsAndStatus() {
+        TestStore store;
+        const qm::RecordKind menus = RecordKinds::Menus();
+        // Menu siblings count on the recipe groups' key, children on their own, untranslated.
+        QCOMPARE(qm::NewGroupId(menus, false), 1);
+        QCOMPARE(qm::NewGroupId(menus, false), 2);
+        QCOMPARE(qm::NewGroupId(menus, true), 1);
+        QCOMPARE(store.db().scalar("SELECT keyValue FROM PKeys WHERE keyId = 'RGroups'").toInt(), 2);
+        QCOMPARE(qm::NewGroupName(menus, false), text("@New_menu_group"));
+        QCOMPARE(qm::NewGroupName(menus, true), QStringLiteral("New menu group"));
+        QCOMPARE(qm::NewGroupName(RecordKinds::Ingredients(), true), text("@New_ingredient_type"));
+
+        QCOMPARE(qm::StatusCountText(RecordKinds::Recipes(), 3), text("StatusRecipesInCurrentGroup") + "3");
+        QCOMPARE(qm::StatusCountText(RecordKinds::Menus(), 0), text("StatusMenusInCurrentGroup") + " 0");
+        QCOMPARE(qm::StatusCountText(RecordKinds::CookingTips(), 2),
+                 QStringLiteral("Cooking tips in current recipe group: 2"));
+        QVERIFY(qm::StatusCountText(RecordKinds::Units(), 2).isEmpty());
+    }
+
+    // FormClose: maximised stores the state and not the geometry; splitters and columns always,
+    // matched by field name without case; the file is written.
+    void layoutStoredAndRead() {
+        TestStore store;
+        TVintraOptions& options = store.holder().VintraOptions;
+        const qm::RecordKind kind = RecordKinds::Ingredients();
+        qm::WindowLayout layout;
+        layout.maximized = true;
+        layout.height = 700;
+        layout.width = 900;
+        layout.splitterVertical = 250;
+        layout.splitterHorizontal = 300;
+        layout.columnWidths = {{"ingredname", 321}, {"INGREDPRICE", 77}, {"unitName", 55}};
+        qm::StoreWindowLayout(kind.optionPrefix, layout, kind.columns);
+        TVintraOptions reread;
+        DeclareQuillmealOptions(reread);
+        reread.setFileName(options.fileName());
+        QVERIFY(reread.Load());
+        QCOMPARE(reread.GetAsBoolean("MDIChildMaximized"), true);
+        QCOMPARE(reread.GetAsInteger("IngredSizeHeight"), 480);
+        QCOMPARE(reread.GetAsInteger("IngredSplitterVertical"), 250);
+        QCOMPARE(reread.GetAsInteger("IngredSplitterHorizontal"), 300);
+        QCOMPARE(reread.GetAsInteger("IngredColIngredName"), 321);
+        QCOMPARE(reread.GetAsInteger("IngredColIngredPrice"), 77);
+
+        layout.maximized = false;
+        layout.top = 12;
+        layout.left = 34;
+        qm::StoreWindowLayout(kind.optionPrefix, layout, kind.columns);
+        const qm::WindowLayout read = qm::ReadWindowLayout("Ingred", true, true, kind.columns,
+                                                           {"IngredName", "ingredPrice", "unitName"});
+        QCOMPARE(read.maximized, false);
+        QCOMPARE(read.height, 700);
+        QCOMPARE(read.width, 900);
+        QCOMPARE(read.top, 12);
+        QCOMPARE(read.left, 34);
+        QCOMPARE(read.columnWidths, (QList<QPair<QString, int>>{{"IngredName", 321}, {"ingredPrice", 77}}));
+
+        // Maximised: size and position are skipped.
+        options.SetAsBoolean("MDIChildMaximized", true);
+        const qm::WindowLayout maximized = qm::ReadWindowLayout("Ingred", false, false, kind.columns, {});
+        QCOMPARE(maximized.width, 0);
+        QCOMPARE(maximized.splitterVertical, -1);
+    }
+
+    // The units window compares its factor column with an option name, so that width is never kept.
+    void unitFactorColumnNeverMatches() {
+        const qm::RecordKind units = RecordKinds::Units();
+        QCOMPARE(qm::ColumnWidthOption(units.columns, "unitTypeText"), QStringLiteral("UnitColUnitType"));
+        QVERIFY(qm::ColumnWidthOption(units.columns, "UnitConv").isEmpty());
+    }
+
+    void splitterBounds_data() {
+        QTest::addColumn<bool>("vertical");
+        QTest::addColumn<int>("size");
+        QTest::addColumn<bool>("allowed");
+        QTest::newRow("left panel at the minimum") << true << 185 << true;
+        QTest::newRow("left panel too narrow") << true << 184 << false;
+        QTest::newRow("left panel leaves 200") << true << 800 << true;
+        QTest::newRow("left panel leaves 199") << true << 801 << false;
+        QTest::newRow("bottom panel at the minimum") << false << 241 << true;
+        QTest::newRow("bottom panel too low") << false << 240 << false;
+        QTest::newRow("bottom panel leaves 180") << false << 420 << true;
+        QTest::newRow("bottom panel leaves 179") << false << 421 << false;
+    }
+    void splitterBounds() {
+        QFETCH(bool, vertical);
+        QFETCH(int, size);
+        QFETCH(bool, allowed);
+        const qm::RecordKind kind = RecordKinds::Ingredients();
+        QCOMPARE(vertical ? qm::VerticalSplitterAllowed(kind, size, 1000)
+                          : qm::HorizontalSplitterAllowed(kind, size, 600),
+                 allowed);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRecordWindowRules)
+#include "test_record_window_rules.moc"

@@ -1,0 +1,529 @@
+// The record window on a kind of the test's own (jars on shelves), shown offscreen: the tree, the
+// grid and the shared commands, against a fresh database.
+#include "test_store.h"
+
+#include "components/database.h"
+#include "components/messages.h"
+#include "components/sql_format.h"
+#include "components/ui/vintra_db_grid.h"
+#include "components/ui/vintra_db_tree_view.h"
+#include "store/record_window_rules.h"
+#include "store/ui/record_window.h"
+
+#include <QAction>
+#include <QFile>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QSignalSpy>
+#include <QSplitter>
+#include <QTest>
+
+using Kind = TMessagePresenter::Kind;
+
+namespace {
+
+const char* const kDictionary = R"(<dictionary language="Test">
+  <entry key="JarsRootNodeName">All shelves</entry>
+  <entry key="@New_shelf">New shelf</entry>
+  <entry key="QuestionDeleteShelf">Delete the shelf?</entry>
+  <entry key="InfoShelfContainsChildren">The shelf has shelves.</entry>
+  <entry key="InfoShelfContainsJars">The shelf has jars.</entry>
+  <entry key="QuestionDeleteJar">Delete the jar?</entry>
+  <entry key="InfoLockedJarDelete">A delivered jar.</entry>
+  <entry key="InfoJarReferenced">The jar is used.</entry>
+  <entry key="InfoStartSearchFirst">Search first.</entry>
+  <entry key="InfoNoMatchingJar">No jar.</entry>
+  <entry key="InfoNoMoreMatchingJars">No more jars.</entry>
+  <entry key="StatusJarsOnShelf">Jars here:</entry>
+  <entry key="ErrorEmptyField">Fill in the %s.</entry>
+</dictionary>)";
+
+qm::RecordKind jarKind() {
+    qm::RecordKind kind = qm::MakeRecordKind("Shelves", "shelfId", "shelfName", "Jars", "jarId", "jarName",
+                                             "shelfId", "Jar", "Shelf", "Jar");
+    kind.groupContainsRecords = "InfoShelfContainsJars";
+    kind.groupCascade = {{"DELETE FROM Jars \nWHERE shelfId = %d"}};
+    kind.newGroupNameKey = "@New_shelf";
+    kind.rootNodeNameKey = "JarsRootNodeName";
+    kind.referenceCounts = {"SELECT COUNT( * ) AS numberOfRefs \nFROM Labels \nWHERE jarId = %d"};
+    kind.recordReferenced = "InfoJarReferenced";
+    kind.recordCascade = {{"DELETE FROM Labels \nWHERE jarId = %d"}};
+    kind.quickSearchSql =
+        "SELECT jarId, shelfId, jarName \nFROM Jars \nWHERE jarName LIKE '@%s@' \nORDER BY shelfId, jarName";
+    kind.groupOfRecord = [](int id) {
+        return DataModuleMain->KADaoDatabase
+            .scalar(qm::format("SELECT shelfId FROM Jars WHERE jarId = %d", {id}))
+            .toInt();
+    };
+    kind.statusKey = "StatusJarsOnShelf";
+    kind.columns = {{"jarName", "JarColJarName"}};
+    return kind;
+}
+
+/// The frame as the windows see it: a status panel and a quick search box.
+class FakeFrame : public TMdiFrame {
+public:
+    QString status = "unset";
+    QString pattern;
+    void SetStatusCount(const QString& text) override { status = text; }
+    QString QuickSearchText() const override { return pattern; }
+    void Toggle(const QString&, bool) override {}
+    QObject* ChildWindow(const QString&) const override { return nullptr; }
+    void CloseChild(QObject*) override {}
+    void SetCommandEnabled(const QString&, bool) override {}
+};
+
+/// A concrete window as small as the pattern allows: a column, a name edit and one check.
+class TFormJars : public TRecordWindow {
+public:
+    TFormJars() : TRecordWindow(jarKind()) {
+        setObjectName("FormJars");
+        TreeView()->setObjectName("TreeViewShelves");
+        Grid()->setObjectName("DBGridJars");
+        RecordModel()->addColumn("jarName", "Jar");
+        RecordModel()->addColumn("jarId", "Id");
+        auto* edit = new QLineEdit(DetailPanel());
+        edit->setObjectName("DBEditJarName");
+        SetNameEdit(edit);
+    }
+    int checks = 0;
+
+protected:
+    void CheckRecord(qm::Dataset& table, QString& errors) override {
+        ++checks;
+        if (table.FieldByName("jarName").IsNull())
+            AddFieldError(4, errors);
+    }
+};
+
+/// Test database: shelves 1 "Pantry" with 3 "Top" under it, 2 "Cellar"; jars on them.
+class JarStore : public TestStore {
+public:
+    JarStore() {
+        exec({"CREATE TABLE Shelves ( shelfId INT NOT NULL PRIMARY KEY, shelfName TEXT, parentId INTEGER "
+              "DEFAULT 0, "
+              "isNodeExpanded BOOLEAN DEFAULT 0 )",
+              "CREATE TABLE Jars ( jarId INT NOT NULL PRIMARY KEY, jarName TEXT NOT NULL, shelfId INTEGER )",
+              "CREATE TABLE Labels ( jarId INTEGER, label TEXT )",
+              "INSERT INTO Shelves ( shelfId, shelfName, parentId ) VALUES ( 1, 'Pantry', 0 ), ( 2, "
+              "'cellar', 0 ), "
+              "( 3, 'Top', 1 )",
+              "INSERT INTO Jars ( jarId, jarName, shelfId ) VALUES ( 50, 'Honey', 1 ), ( 100001, 'Jam', 1 ), "
+              "( 100002, 'Pickles', 2 ), ( 100003, 'Plum jam', 3 )"});
+        TVintraOptions& options = holder().VintraOptions;
+        options.Declare("ConfirmDeletionShelf", TVintraOption::Boolean, true);
+        options.Declare("IRDeleteShelf", TVintraOption::Integer, 1);
+        options.Declare("ConfirmDeletionJar", TVintraOption::Boolean, true);
+        options.Declare("IRDeleteJar", TVintraOption::Integer, 1);
+        for (const char* name : {"JarSizeHeight", "JarSizeWidth", "JarPositionTop", "JarPositionLeft"})
+            options.Declare(name, TVintraOption::Integer, 0);
+        options.SetAsInteger("JarSizeHeight", 600);
+        options.SetAsInteger("JarSizeWidth", 800);
+        options.Declare("JarSplitterVertical", TVintraOption::Integer, 200);
+        options.Declare("JarSplitterHorizontal", TVintraOption::Integer, 250);
+        options.Declare("JarColJarName", TVintraOption::Integer, 150);
+        QFile file(root() + "Test.xml");
+        file.open(QIODevice::WriteOnly);
+        file.write(kDictionary);
+        file.close();
+        holder().VintraDictionary.SetFileName(root() + "Test.xml");
+    }
+    int scalar(const QString& sql) { return db().scalar(sql).toInt(); }
+};
+
+QStringList names(qm::Dataset& table) {
+    QStringList result;
+    for (int row = 0; row < table.RecordCount(); ++row)
+        result << table.value(row, table.fieldIndex("jarName")).toString();
+    return result;
+}
+
+} // namespace
+
+class TestRecordWindow : public QObject {
+    Q_OBJECT
+
+    FakeFrame m_frame;
+
+    std::unique_ptr<TFormJars> open() {
+        auto form = std::make_unique<TFormJars>();
+        form->show();
+        return form;
+    }
+
+private slots:
+    void init() {
+        m_frame = FakeFrame();
+        MdiFrame = &m_frame;
+    }
+    void cleanup() { MdiFrame = nullptr; }
+
+    // FormShow loads and sorts the tree under its named root and selects the root: the grid is
+    // empty and read-only, Insert is refused without spending an id, the group commands are off.
+    void rootSelectedShowsEmptyReadOnlyGrid() {
+        JarStore store;
+        const QString& status = m_frame.status;
+        auto form = open();
+        TVintraDBTreeView* tree = form->findChild<TVintraDBTreeView*>("TreeViewShelves");
+        QCOMPARE(tree->topLevelItem(0)->text(0), QStringLiteral("All shelves"));
+        QCOMPARE(tree->topLevelItem(0)->child(0)->text(0), QStringLiteral("cellar"));
+        QCOMPARE(tree->topLevelItem(0)->child(1)->text(0), QStringLiteral("Pantry"));
+        QCOMPARE(tree->GetCurrentKey(), 0);
+        QCOMPARE(form->Grid()->model()->rowCount(), 0);
+        QVERIFY(form->RecordTable().ReadOnly());
+        QCOMPARE(status, QStringLiteral("Jars here: 0"));
+
+        QTest::keyClick(form->Grid(), Qt::Key_Insert);
+        QCOMPARE(form->RecordTable().State(), qm::dsBrowse);
+        QCOMPARE(form->Grid()->model()->rowCount(), 0);
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM PKeys WHERE keyId = 'Jars'"), 0);
+        QVERIFY(!form->ActionDeleteGroup()->isEnabled());
+        QVERIFY(!form->ActionRenameGroup()->isEnabled());
+        QVERIFY(!form->ActionAddSiblingGroup()->isEnabled());
+        QVERIFY(form->ActionAddChildGroup()->isEnabled());
+
+        // A shelf: its jars, sorted by name, writable; the commands follow.
+        QVERIFY(tree->Locate(1));
+        QCOMPARE(names(form->RecordTable()), (QStringList{"Honey", "Jam"}));
+        QVERIFY(!form->RecordTable().ReadOnly());
+        QCOMPARE(status, QStringLiteral("Jars here: 2"));
+        QVERIFY(form->ActionDeleteGroup()->isEnabled());
+        QCOMPARE(form->GroupTable().RecordCount(), 1);
+        QCOMPARE(tree->GetChildrenIds(), QStringLiteral("1, 3"));
+        // Back on the root: empty and read-only again.
+        QVERIFY(tree->Locate(0));
+        QCOMPARE(tree->GetChildrenIds(), QStringLiteral("0, 2, 1, 3"));
+        QVERIFY(form->RecordTable().ReadOnly());
+        QCOMPARE(form->Grid()->model()->rowCount(), 0);
+        QTest::keyClick(form->Grid(), Qt::Key_Insert);
+        QCOMPARE(form->RecordTable().State(), qm::dsBrowse);
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM PKeys WHERE keyId = 'Jars'"), 0);
+    }
+
+    // Insert on a shelf: a new id from PKeys, the shelf's key, the focus in the name edit; the post
+    // is refused with the field's line while the name is empty.
+    void insertTakesIdAndGroupAndChecksThePost() {
+        JarStore store;
+        auto form = open();
+        form->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+        QVERIFY(form->TreeView()->Locate(2));
+        form->Grid()->setFocus();
+        QTest::keyClick(form->Grid(), Qt::Key_Insert);
+        qm::Dataset& jars = form->RecordTable();
+        QCOMPARE(jars.State(), qm::dsInsert);
+        QCOMPARE(jars.FieldByName("jarId").AsInteger(), 1);
+        QCOMPARE(jars.FieldByName("shelfId").AsInteger(), 2);
+        QCOMPARE(QApplication::focusWidget(), form->findChild<QLineEdit*>("DBEditJarName"));
+
+        TScriptedPresenter presenter;
+        QVERIFY(!jars.Post());
+        QCOMPARE(presenter.texts(TMessagePresenter::Error), QStringList{"Fill in the ingredient name."});
+        QCOMPARE(jars.State(), qm::dsInsert);
+        jars.FieldByName("jarName").SetValue("Olives");
+        QVERIFY(jars.Post());
+        QCOMPARE(store.scalar("SELECT shelfId FROM Jars WHERE jarName = 'Olives'"), 2);
+        QCOMPARE(form->GroupCount(), 2);
+    }
+
+    // Drag-over refuses the current group, the root, empty space and other sources.
+    void dropOnCurrentGroupOrRootRefused() {
+        JarStore store;
+        auto form = open();
+        TVintraDBTreeView* tree = form->TreeView();
+        QVERIFY(tree->Locate(1));
+        QVERIFY(!form->TreeDragOver(form->Grid(), tree->NodeOf(1)));
+        QVERIFY(!form->TreeDragOver(form->Grid(), tree->RootNode()));
+        QVERIFY(!form->TreeDragOver(form->Grid(), nullptr));
+        QVERIFY(!form->TreeDragOver(tree, tree->NodeOf(2)));
+        QVERIFY(form->TreeDragOver(form->Grid(), tree->NodeOf(2)));
+        // The tree asks the same rule.
+        QVERIFY(tree->OnDragOver(form->Grid(), tree->NodeOf(3)));
+        QVERIFY(!tree->OnDragOver(form->Grid(), tree->NodeOf(1)));
+    }
+
+    // The selected rows move, the locked one with them, and the table reopens without them.
+    void lockedRecordMovesByDrop() {
+        JarStore store;
+        auto form = open();
+        QVERIFY(form->TreeView()->Locate(1));
+        TVintraDBGrid* grid = form->Grid();
+        grid->selectRow(0);
+        QCOMPARE(form->RecordTable().FieldByName("jarId").AsInteger(), 50);
+        bool locked = false;
+        QString ids;
+        GetSelectedIds(grid, "jarId", locked, ids);
+        QCOMPARE(ids, QStringLiteral("50"));
+        QVERIFY(locked);
+
+        form->TreeDragDrop(2);
+        QCOMPARE(store.scalar("SELECT shelfId FROM Jars WHERE jarId = 50"), 2);
+        QCOMPARE(names(form->RecordTable()), QStringList{"Jam"});
+        QCOMPARE(form->GroupCount(), 1);
+
+        // Both marked rows move together.
+        QVERIFY(form->TreeView()->Locate(2));
+        grid->selectAll();
+        GetSelectedIds(grid, "jarId", locked, ids);
+        QCOMPARE(ids, QStringLiteral("50, 100002"));
+        form->TreeDragDrop(3);
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Jars WHERE shelfId = 3"), 3);
+        QCOMPARE(form->RecordTable().RecordCount(), 0);
+    }
+
+    // A label edited in place is written by the tree; an emptied label is taken back.
+    void renamePersistedByTheTree() {
+        JarStore store;
+        auto form = open();
+        TVintraDBTreeView* tree = form->TreeView();
+        QVERIFY(tree->Locate(2));
+        form->RenameGroup();
+        auto* editor = tree->findChild<QLineEdit*>();
+        QVERIFY(editor);
+        editor->selectAll();
+        QTest::keyClicks(editor, "Cold room");
+        QTest::keyClick(editor, Qt::Key_Return);
+        // The delegate commits on the next turn of the event loop.
+        QTRY_COMPARE(tree->NodeOf(2)->text(0), QStringLiteral("Cold room"));
+        QCOMPARE(store.db().scalar("SELECT shelfName FROM Shelves WHERE shelfId = 2").toString(),
+                 QStringLiteral("Cold room"));
+
+        tree->NodeOf(2)->setText(0, QString());
+        QCOMPARE(tree->NodeOf(2)->text(0), QStringLiteral("Cold room"));
+        QCOMPARE(store.db().scalar("SELECT shelfName FROM Shelves WHERE shelfId = 2").toString(),
+                 QStringLiteral("Cold room"));
+        // The root is no row: it can't be renamed.
+        QVERIFY(!(tree->RootNode()->flags() & Qt::ItemIsEditable));
+    }
+
+    void expandedStatePersisted() {
+        JarStore store;
+        auto form = open();
+        TVintraDBTreeView* tree = form->TreeView();
+        QVERIFY(!tree->NodeOf(1)->isExpanded());
+        tree->NodeOf(1)->setExpanded(true);
+        QCOMPARE(store.scalar("SELECT isNodeExpanded FROM Shelves WHERE shelfId = 1"), 1);
+        tree->Load();
+        QVERIFY(tree->NodeOf(1)->isExpanded());
+        // Loading does not write back.
+        store.exec({"UPDATE Shelves SET isNodeExpanded = 0 WHERE shelfId = 1"});
+        tree->Load();
+        QVERIFY(!tree->NodeOf(1)->isExpanded());
+        QCOMPARE(store.scalar("SELECT isNodeExpanded FROM Shelves WHERE shelfId = 1"), 0);
+        tree->NodeOf(1)->setExpanded(true);
+        tree->NodeOf(1)->setExpanded(false);
+        QCOMPARE(store.scalar("SELECT isNodeExpanded FROM Shelves WHERE shelfId = 1"), 0);
+    }
+
+    // Rows whose parent is missing, or that hang on each other, still show once each.
+    void orphansAndCyclesLoadUnderTheRoot() {
+        JarStore store;
+        store.exec({"INSERT INTO Shelves ( shelfId, shelfName, parentId ) VALUES ( 7, 'Lost', 99 ), "
+                    "( 8, 'Ring a', 9 ), ( 9, 'Ring b', 8 )"});
+        auto form = open();
+        TVintraDBTreeView* tree = form->TreeView();
+        QCOMPARE(tree->GetCount(), 6);
+        QCOMPARE(tree->NodeOf(7)->parent(), tree->RootNode());
+        const bool ringHangsOnce =
+            (tree->NodeOf(8)->parent() == tree->NodeOf(9)) != (tree->NodeOf(9)->parent() == tree->NodeOf(8));
+        QVERIFY(ringHangsOnce);
+    }
+
+    // A shelf with a shelf under it stays, even under the cascade rule; an empty one goes with its
+    // row, and the selection moves to its parent.
+    void groupWithChildrenCannotBeDeleted() {
+        JarStore store;
+        store.holder().VintraOptions.SetAsInteger("IRDeleteShelf", 2);
+        auto form = open();
+        TVintraDBTreeView* tree = form->TreeView();
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        QVERIFY(tree->Locate(1));
+        form->DeleteGroup();
+        QCOMPARE(presenter.texts(), (QStringList{"Delete the shelf?", "The shelf has shelves."}));
+        QVERIFY(tree->NodeOf(1));
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Shelves"), 3);
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Jars"), 4);
+
+        presenter.clear();
+        presenter.answers = {mrYes};
+        QVERIFY(tree->Locate(3));
+        form->DeleteGroup();
+        QCOMPARE(presenter.texts(), QStringList{"Delete the shelf?"});
+        QVERIFY(!tree->NodeOf(3));
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Shelves WHERE shelfId = 3"), 0);
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Jars WHERE shelfId = 3"), 0);
+        QCOMPARE(tree->GetCurrentKey(), 1);
+        QCOMPARE(form->CurrentGroupKey(), 1);
+        QCOMPARE(names(form->RecordTable()), (QStringList{"Honey", "Jam"}));
+    }
+
+    // New groups take their ids from PKeys and their name from the dictionary, beside or under the
+    // selected one.
+    void addGroups() {
+        JarStore store;
+        store.exec({"INSERT INTO PKeys ( keyId, keyValue ) VALUES ( 'Shelves', 10 )"});
+        auto form = open();
+        TVintraDBTreeView* tree = form->TreeView();
+        QVERIFY(tree->Locate(3));
+        form->AddGroup(false);
+        QCOMPARE(tree->GetCurrentKey(), 11);
+        QCOMPARE(tree->currentItem()->text(0), QStringLiteral("New shelf"));
+        QCOMPARE(tree->currentItem()->parent(), tree->NodeOf(1));
+        QCOMPARE(store.scalar("SELECT parentId FROM Shelves WHERE shelfId = 11 AND shelfName = 'New shelf'"),
+                 1);
+        form->AddGroup(true);
+        QCOMPARE(tree->GetCurrentKey(), 12);
+        QCOMPARE(tree->currentItem()->parent(), tree->NodeOf(11));
+        QCOMPARE(store.scalar("SELECT parentId FROM Shelves WHERE shelfId = 12"), 11);
+        QCOMPARE(tree->GetCount(), 5);
+        QCOMPARE(form->CurrentGroupKey(), 12);
+        QCOMPARE(form->RecordTable().RecordCount(), 0);
+        QVERIFY(!form->RecordTable().ReadOnly());
+        // A sibling of the root is a top-level group.
+        QVERIFY(tree->Locate(0));
+        form->AddGroup(false);
+        QCOMPARE(store.scalar("SELECT parentId FROM Shelves WHERE shelfId = 13"), 0);
+        QCOMPARE(tree->NodeOf(13)->parent(), tree->RootNode());
+    }
+
+    // A delete on the grid goes through the record rules: locked jars are refused at once.
+    void deleteKeyRunsTheRecordRules() {
+        JarStore store;
+        store.exec({"INSERT INTO Labels ( jarId, label ) VALUES ( 100001, 'red' )"});
+        auto form = open();
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        QVERIFY(form->TreeView()->Locate(1));
+        form->Grid()->selectRow(0);
+        QTest::keyClick(form->Grid(), Qt::Key_Delete);
+        QCOMPARE(presenter.texts(), QStringList{"A delivered jar."});
+        QCOMPARE(form->RecordTable().RecordCount(), 2);
+
+        presenter.clear();
+        presenter.answers = {mrYes};
+        form->Grid()->selectRow(1);
+        QTest::keyClick(form->Grid(), Qt::Key_Delete);
+        QCOMPARE(presenter.texts(), (QStringList{"Delete the jar?", "The jar is used."}));
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Jars WHERE jarId = 100001"), 1);
+
+        store.holder().VintraOptions.SetAsInteger("IRDeleteJar", 2);
+        presenter.clear();
+        presenter.answers = {mrYes};
+        QTest::keyClick(form->Grid(), Qt::Key_Delete);
+        QCOMPARE(presenter.texts(), QStringList{"Delete the jar?"});
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Jars WHERE jarId = 100001"), 0);
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Labels"), 0);
+        QCOMPARE(form->GroupCount(), 1);
+    }
+
+    // Find with the frame's text locates the hit's shelf first, then the jar; find next walks on.
+    void findLocatesGroupThenRecord() {
+        JarStore store;
+        m_frame.pattern = "jam";
+        auto form = open();
+        TScriptedPresenter presenter;
+        form->Find(1);
+        QCOMPARE(presenter.texts(), QStringList{"Search first."});
+        form->Find(0);
+        QCOMPARE(form->TreeView()->GetCurrentKey(), 1);
+        QCOMPARE(form->RecordTable().FieldByName("jarId").AsInteger(), 100001);
+        form->Find(1);
+        QCOMPARE(form->TreeView()->GetCurrentKey(), 3);
+        QCOMPARE(form->RecordTable().FieldByName("jarName").AsString(), QStringLiteral("Plum jam"));
+        form->Find(1);
+        form->Find(1);
+        QCOMPARE(presenter.texts(), (QStringList{"Search first.", "No more jars.", "No more jars."}));
+        QCOMPARE(form->TreeView()->GetCurrentKey(), 3);
+    }
+
+    // FormShow applies the options, FormClose stores what the window has become.
+    void geometryRestoredAndStored() {
+        JarStore store;
+        TVintraOptions& options = store.holder().VintraOptions;
+        options.SetAsInteger("JarColJarName", 123);
+        auto form = open();
+        QCOMPARE(form->size(), QSize(800, 600));
+        QCOMPARE(form->Grid()->ColumnWidthOf("JARNAME"), 123);
+        QCOMPARE(form->SplitterVertical()->sizes().value(0), 200);
+        QCOMPARE(form->SplitterHorizontal()->sizes().value(1), 250);
+
+        form->Grid()->SetColumnWidthOf("jarName", 222);
+        form->resize(900, 700);
+        form->SplitterVertical()->setSizes({260, 640});
+        QVERIFY(form->close());
+        QCOMPARE(options.GetAsInteger("JarColJarName"), 222);
+        QCOMPARE(options.GetAsInteger("JarSizeWidth"), 900);
+        QCOMPARE(options.GetAsInteger("JarSizeHeight"), 700);
+        QCOMPARE(options.GetAsInteger("JarSplitterVertical"), 260);
+        QCOMPARE(options.GetAsBoolean("MDIChildMaximized"), false);
+    }
+
+    // In the MDI area the state and geometry are the sub-window's; maximised, the close stores the
+    // state and leaves the remembered size alone.
+    void maximisedInTheMdiArea() {
+        JarStore store;
+        TVintraOptions& options = store.holder().VintraOptions;
+        options.SetAsBoolean("MDIChildMaximized", true);
+        QMdiArea area;
+        area.resize(1000, 800);
+        area.show();
+        auto* form = new TFormJars;
+        QMdiSubWindow* sub = area.addSubWindow(form);
+        sub->show();
+        QVERIFY(sub->isMaximized());
+        options.SetAsBoolean("MDIChildMaximized", false);
+        QVERIFY(sub->close());
+        QCOMPARE(options.GetAsBoolean("MDIChildMaximized"), true);
+        QCOMPARE(options.GetAsInteger("JarSizeWidth"), 800);
+
+        // Not maximised: the sub-window takes the remembered place and size.
+        options.SetAsBoolean("MDIChildMaximized", false);
+        options.SetAsInteger("JarPositionLeft", 30);
+        options.SetAsInteger("JarPositionTop", 20);
+        auto* second = new TFormJars;
+        QMdiSubWindow* secondSub = area.addSubWindow(second);
+        secondSub->show();
+        QVERIFY(!secondSub->isMaximized());
+        QCOMPARE(secondSub->geometry(), QRect(30, 20, 800, 600));
+    }
+
+    // Activation shows the count of the current group; the release closes the datasets.
+    void activationAndRelease() {
+        JarStore store;
+        auto form = open();
+        QVERIFY(form->SupportsFind());
+        QVERIFY(form->TreeView()->Locate(2));
+        m_frame.status.clear();
+        form->FormActivate();
+        QCOMPARE(m_frame.status, QStringLiteral("Jars here: 1"));
+        form->Find(0);
+        form->Release();
+        QVERIFY(!form->RecordTable().Active());
+        QVERIFY(!form->GroupTable().Active());
+        QVERIFY(!form->Search().QueryQuickSearch.Active());
+        // The grid tells the navigator its dataset.
+        QCOMPARE(FindProvidedDataset(form->Grid()), &form->RecordTable());
+    }
+
+    // A kind without a tree: every record, writable, inserts without a group.
+    void windowWithoutTree() {
+        JarStore store;
+        qm::RecordKind kind =
+            qm::MakeRecordKind({}, {}, {}, "Jars", "jarId", "jarName", {}, "Jar", {}, "Jar");
+        TRecordWindow form(kind);
+        form.show();
+        QVERIFY(!form.GroupPanel()->isVisible());
+        QCOMPARE(form.RecordTable().RecordCount(), 4);
+        QVERIFY(form.RecordTable().Insert());
+        QCOMPARE(form.RecordTable().FieldByName("jarId").AsInteger(), 1);
+        QVERIFY(form.RecordTable().FieldByName("shelfId").IsNull());
+        form.RecordTable().FieldByName("jarName").SetValue("Salt");
+        QVERIFY(form.RecordTable().Post());
+        QCOMPARE(store.scalar("SELECT COUNT(*) FROM Jars WHERE shelfId IS NULL"), 1);
+    }
+};
+
+QTEST_MAIN(TestRecordWindow)
+#include "test_record_window.moc"
