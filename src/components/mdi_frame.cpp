@@ -4,6 +4,8 @@ TMdiFrame* MdiFrame = nullptr;
 
 TChildCommands::~TChildCommands() = default;
 
-void TChildCommands::Find(int next) { (void)next; }
+void TChildCommands::Find(int next) {
+    (void)next;
+}
 
 TMdiFrame::~TMdiFrame() = default;

@@ -27,8 +27,8 @@ const char* captionProperty(const QObject* object) {
         const char* className;
         const char* property;
     } table[] = {
-        {"QAbstractButton", "text"}, {"QLabel", "text"},         {"QAction", "text"},
-        {"QGroupBox", "title"},      {"QMenu", "title"},         {"QToolBar", "windowTitle"},
+        {"QAbstractButton", "text"},    {"QLabel", "text"}, {"QAction", "text"},
+        {"QGroupBox", "title"},         {"QMenu", "title"}, {"QToolBar", "windowTitle"},
         {"QDockWidget", "windowTitle"},
     };
     for (const auto& entry : table)
@@ -44,7 +44,9 @@ TVintraTranslator::TVintraTranslator(QObject* form) : m_form(form) {
         form->setProperty("vintraForm", true);
 }
 
-QString TVintraTranslator::FormName() const { return m_form ? m_form->objectName() : QString(); }
+QString TVintraTranslator::FormName() const {
+    return m_form ? m_form->objectName() : QString();
+}
 
 QString TVintraTranslator::Key(const QObject* control) const {
     return FormName() + QLatin1Char('.') + control->objectName();

@@ -58,7 +58,9 @@ private:
 
 namespace {
 
-TVintraOptions& options() { return FormResourceHolder->VintraOptions; }
+TVintraOptions& options() {
+    return FormResourceHolder->VintraOptions;
+}
 
 /// The route table: which commands and bar items open which window, and the special cases.
 struct RouteRow {
@@ -124,8 +126,16 @@ constexpr WebItem webItems[] = {
 
 /// Commands that other parts of the program bind with RegisterCommand.
 constexpr const char* plainCommands[] = {
-    "MIRepair",   "MICompact", "MIBackup",          "MIRestore", "MICheckForNewVersion", "MIContents",
-    "MIIndex",    "MIShowTips", "MIShowKitchenAssistant", "MIHideKitchenAssistant",
+    "MIRepair",
+    "MICompact",
+    "MIBackup",
+    "MIRestore",
+    "MICheckForNewVersion",
+    "MIContents",
+    "MIIndex",
+    "MIShowTips",
+    "MIShowKitchenAssistant",
+    "MIHideKitchenAssistant",
 };
 
 constexpr const char* navigatorButtons[] = {
@@ -177,7 +187,7 @@ TFormMain::TFormMain(const TAppPaths& paths, QWidget* parent)
     splitter->addWidget(m_mdiArea);
     splitter->setStretchFactor(1, 1);
     splitter->setCollapsible(1, false);
-    splitter->setSizes({124, 676});
+    splitter->setSizes({144, 656});
     setCentralWidget(splitter);
 
     m_statusHint = new QLabel(this);
@@ -256,7 +266,7 @@ void TFormMain::BuildActions() {
         if (TChildCommands* child = ActiveCommands())
             child->Print();
     });
-    action("MIExit", tr("E&xit"), nullptr, QKeySequence(Qt::ALT | Qt::Key_F4));
+    action("MIExit", tr("E&xit"), nullptr, QKeySequence(QKeySequence::Quit));
     connect(Item("MIExit"), &QAction::triggered, this, &QWidget::close);
     action("MICut", tr("Cu&t"), "cut", QKeySequence(Qt::CTRL | Qt::Key_X));
     action("MICopy", tr("&Copy"), "copy", QKeySequence(Qt::CTRL | Qt::Key_C));
@@ -356,19 +366,24 @@ void TFormMain::BuildActions() {
 
     // Tool buttons of the windows.
     button("ToolButtonRecipes", tr("Recipes"), tr("Show or hide the recipes"), "recipes", true);
-    button("ToolButtonIngredients", tr("Ingredients"), tr("Show or hide the ingredients"), "ingredients", true);
+    button("ToolButtonIngredients", tr("Ingredients"), tr("Show or hide the ingredients"), "ingredients",
+           true);
     button("ToolButtonMenus", tr("Menus"), tr("Show or hide the menus"), "menus", true);
     button("ToolButtonCalendar", tr("Calendar"), tr("Show or hide the calendar"), "calendar", true);
     button("ToolButtonUnits", tr("Units"), tr("Show or hide the units"), "units", true);
     button("ToolButtonCategories", tr("Categories"), tr("Edit the recipe categories"), "categories");
-    button("ToolButtonCookingTips", tr("Cooking Tips"), tr("Show or hide the cooking tips"), "cookingTips", true);
+    button("ToolButtonCookingTips", tr("Cooking Tips"), tr("Show or hide the cooking tips"), "cookingTips",
+           true);
     button("ToolButtonUsersManagement", tr("Users"), tr("Manage the users"), "users");
-    button("ToolButtonUsersDiary", tr("Diary"), tr("Show or hide the diary of the active user"), "diary", true);
+    button("ToolButtonUsersDiary", tr("Diary"), tr("Show or hide the diary of the active user"), "diary",
+           true);
     button("ToolButtonDiets", tr("Diets"), tr("Show or hide the diets of the active user"), "diets", true);
     button("ToolButtonOptions", tr("Options"), tr("Change the options"), "options");
-    button("ToolButtonSystemInfo", tr("System Information"), tr("Show what the database holds"), "systemInfo");
-    linkToAction(button("ToolButtonPrint", tr("Print"), tr("Print the records of the active window"), "print"),
-                 Item("MIPrint"));
+    button("ToolButtonSystemInfo", tr("System Information"), tr("Show what the database holds"),
+           "systemInfo");
+    linkToAction(
+        button("ToolButtonPrint", tr("Print"), tr("Print the records of the active window"), "print"),
+        Item("MIPrint"));
     linkToAction(button("ToolButtonCut", tr("Cut"), tr("Cut the selected text"), "cut"), Item("MICut"));
     linkToAction(button("ToolButtonCopy", tr("Copy"), tr("Copy the selected text"), "copy"), Item("MICopy"));
     linkToAction(button("ToolButtonPaste", tr("Paste"), tr("Paste the text of the clipboard"), "paste"),
@@ -393,8 +408,8 @@ void TFormMain::BuildActions() {
     }
 
     // The recipe bar calls handlers of its windows.
-    button("ToolButtonRecalculate", tr("Recalculate"), tr("Recalculate the nutrients and costs of the recipes"),
-           "recalculate");
+    button("ToolButtonRecalculate", tr("Recalculate"),
+           tr("Recalculate the nutrients and costs of the recipes"), "recalculate");
     button("ToolButtonImport", tr("Import"), tr("Import recipes from a file"), "import");
     button("ToolButtonExport", tr("Export"), tr("Export the selected recipes"), "export");
     button("ToolButtonSendToMail", tr("Send by Mail"), tr("Send the recipe by mail"), "mail");
@@ -411,10 +426,11 @@ void TFormMain::BuildActions() {
         });
     }
 
-    linkToAction(button("ToolButtonQuickSearch", tr("Find"), tr("Find the text in the active window"), "find"),
-                 Item("MIFind"));
-    linkToAction(button("ToolButtonQuickSearchNext", tr("Find Next"), tr("Find the next hit in the active window"),
-                        "findNext"),
+    linkToAction(
+        button("ToolButtonQuickSearch", tr("Find"), tr("Find the text in the active window"), "find"),
+        Item("MIFind"));
+    linkToAction(button("ToolButtonQuickSearchNext", tr("Find Next"),
+                        tr("Find the next hit in the active window"), "findNext"),
                  Item("MIFindNext"));
 }
 
@@ -439,25 +455,29 @@ void TFormMain::BuildMenus() {
     };
     add(top("MIFile", tr("&File")), {"MIPrint", "", "MIExit"});
     add(top("MIEdit", tr("&Edit")), {"MICut", "MICopy", "MIPaste", "", "MIFind", "MIFindNext"});
-    add(top("MIView", tr("&View")), {"MIRecipes", "MIIngredients", "MIMenus", "MICalendar", "MIUnits", "MICategories",
-                                     "MICookingTips", "", "MISearchRecipes", "MISearchIngredients"});
+    add(top("MIView", tr("&View")),
+        {"MIRecipes", "MIIngredients", "MIMenus", "MICalendar", "MIUnits", "MICategories", "MICookingTips",
+         "", "MISearchRecipes", "MISearchIngredients"});
     add(top("MIUsers", tr("&Users")), {"MIUsersManagement", "MIUsersDiary", "MIDiets"});
     QMenu* tools = top("MITools", tr("&Tools"));
     add(tools, {"MIOptions", "MISystemInfo", ""});
     add(menu(tools, "MIDatabaseMaintenance", tr("&Database Maintenance")),
         {"MIRepair", "MICompact", "", "MIBackup", "MIRestore"});
-    add(tools, {"", "MIShowTips", "MIShowKitchenAssistant", "MIHideKitchenAssistant", "", "MICheckForNewVersion"});
+    add(tools,
+        {"", "MIShowTips", "MIShowKitchenAssistant", "MIHideKitchenAssistant", "", "MICheckForNewVersion"});
     m_windowMenu = top("MIWindow", tr("&Window"));
     add(m_windowMenu, {"MICascade", "MITile", ""});
     QMenu* help = top("MIHelp", tr("&Help"));
     add(help, {"MIContents", "MIIndex", ""});
     add(menu(help, "MIOnTheWeb", tr("Quillmeal on the &Web")),
-        {"MIHomePage", "MIQuillmealPage", "MIRecipeUpdates", "MIBrowseRecipes", "MIForum", "MIOrvaneTeamHomePage"});
+        {"MIHomePage", "MIQuillmealPage", "MIRecipeUpdates", "MIBrowseRecipes", "MIForum",
+         "MIOrvaneTeamHomePage"});
     add(help, {"", "MIAbout"});
 }
 
 void TFormMain::BuildToolbars() {
-    const auto bar = [this](const char* name, const QString& title, std::initializer_list<const char*> names) {
+    const auto bar = [this](const char* name, const QString& title,
+                            std::initializer_list<const char*> names) {
         auto* toolbar = new QToolBar(title, this);
         toolbar->setObjectName(QLatin1String(name));
         // Tool bars stay in rows at the top, where their Top/Left options place them.
@@ -478,20 +498,21 @@ void TFormMain::BuildToolbars() {
         }
         return toolbar;
     };
-    m_toolbarMain = bar("ToolBarMain", tr("Main"),
-                        {"ToolButtonRecipes", "ToolButtonIngredients", "ToolButtonMenus", "ToolButtonCalendar",
-                         "ToolButtonUnits", "ToolButtonCategories", "ToolButtonCookingTips", "", "ToolButtonPrint", "",
-                         "ToolButtonCut", "ToolButtonCopy", "ToolButtonPaste", "", "ToolButtonOptions",
-                         "ToolButtonSystemInfo"});
-    m_toolbarUsers =
-        bar("ToolBarUsers", tr("Users"), {"ToolButtonUsersManagement", "ToolButtonUsersDiary", "ToolButtonDiets"});
+    m_toolbarMain =
+        bar("ToolBarMain", tr("Main"),
+            {"ToolButtonRecipes", "ToolButtonIngredients", "ToolButtonMenus", "ToolButtonCalendar",
+             "ToolButtonUnits", "ToolButtonCategories", "ToolButtonCookingTips", "", "ToolButtonPrint", "",
+             "ToolButtonCut", "ToolButtonCopy", "ToolButtonPaste", "", "ToolButtonOptions",
+             "ToolButtonSystemInfo"});
+    m_toolbarUsers = bar("ToolBarUsers", tr("Users"),
+                         {"ToolButtonUsersManagement", "ToolButtonUsersDiary", "ToolButtonDiets"});
     m_toolbarNavigator = bar("ToolBarNavigator", tr("Navigator"),
                              {"ToolButtonFirst", "ToolButtonPrior", "ToolButtonNext", "ToolButtonLast",
                               "ToolButtonInsert", "ToolButtonDelete", "ToolButtonEdit", "ToolButtonPost",
                               "ToolButtonCancel", "ToolButtonRefresh"});
     m_toolbarRecipes = bar("ToolBarRecipes", tr("Recipes"),
-                           {"ToolButtonRecalculate", "ToolButtonImport", "ToolButtonExport", "ToolButtonSendToMail",
-                            "", "ToolButtonImportIngredientsPriceList"});
+                           {"ToolButtonRecalculate", "ToolButtonImport", "ToolButtonExport",
+                            "ToolButtonSendToMail", "", "ToolButtonImportIngredientsPriceList"});
     m_toolbarQuickSearch = bar("ToolBarQuickSearch", tr("Quick Search"), {});
     m_editQuickSearch = new QLineEdit(m_toolbarQuickSearch);
     m_editQuickSearch->setObjectName(QStringLiteral("EditQuickSearch"));
@@ -523,8 +544,12 @@ void TFormMain::BuildOutlookBar() {
     const struct {
         const char* caption;
         const char* icon;
-    } items[] = {{"Recipes", "recipes"},     {"Ingredients", "ingredients"}, {"Menus", "menus"},
-                 {"Calendar", "calendar"},   {"Units", "units"},             {"Categories", "categories"},
+    } items[] = {{"Recipes", "recipes"},
+                 {"Ingredients", "ingredients"},
+                 {"Menus", "menus"},
+                 {"Calendar", "calendar"},
+                 {"Units", "units"},
+                 {"Categories", "categories"},
                  {"Cooking Tips", "cookingTips"}};
     for (const auto& item : items)
         m_outlookBar->AddItem(0, tr(item.caption), qm::FrameIcon(QLatin1String(item.icon)));
@@ -587,7 +612,9 @@ bool TFormMain::FormCreate() {
     // 6. The data module opens and updates the database.
     m_dataModule = std::make_unique<TDataModuleMain>();
     DataModuleMain = m_dataModule.get();
-    m_dataModule->OnTerminate = [] { QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection); };
+    m_dataModule->OnTerminate = [] {
+        QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    };
     m_dataModule->DataModuleCreate();
     // 7. The dictionary once more, as the frame sets it for itself, and the help file.
     const QString language = options().GetAsString(QStringLiteral("Language"));
@@ -596,7 +623,9 @@ bool TFormMain::FormCreate() {
     return m_dataModule->initialised;
 }
 
-bool TFormMain::DatabaseDeclined() const { return m_dataModule && m_dataModule->terminated; }
+bool TFormMain::DatabaseDeclined() const {
+    return m_dataModule && m_dataModule->terminated;
+}
 
 void TFormMain::FormShow() {
     // 9. Bar pages, translation, icon size. The shortcuts of page 1 are loaded by their own code.
@@ -697,7 +726,8 @@ constexpr int toolbarLeftMargin = 11;
 
 QStringList TFormMain::ToolbarPositionOptions() {
     QStringList names;
-    for (const char* bar : {"ToolbarMain", "ToolbarNavigator", "ToolbarRecipes", "ToolbarQuickSearch", "ToolbarUsers"})
+    for (const char* bar :
+         {"ToolbarMain", "ToolbarNavigator", "ToolbarRecipes", "ToolbarQuickSearch", "ToolbarUsers"})
         names << QLatin1String(bar) + QStringLiteral("Top") << QLatin1String(bar) + QStringLiteral("Left");
     return names;
 }
@@ -709,7 +739,8 @@ void TFormMain::ApplyToolbarPositions() {
     std::vector<ToolbarPlace> places;
     QList<bool> hidden;
     for (qsizetype i = 0; i < bars.size(); ++i) {
-        places.push_back({bars[i], options().GetAsInteger(keys[2 * i]), options().GetAsInteger(keys[2 * i + 1])});
+        places.push_back(
+            {bars[i], options().GetAsInteger(keys[2 * i]), options().GetAsInteger(keys[2 * i + 1])});
         hidden << bars[i]->isHidden();
     }
     std::stable_sort(places.begin(), places.end(),
@@ -783,8 +814,9 @@ void TFormMain::MIOptionsClick() {
 void TFormMain::UpdateWebItems() {
     // A shortcut file that isn't there has nothing to open.
     for (const WebItem& web : webItems)
-        Item(web.menuItem)->setEnabled(FormResourceHolder &&
-                                       QFile::exists(FormResourceHolder->DataRootPath + QLatin1String(web.file)));
+        Item(web.menuItem)
+            ->setEnabled(FormResourceHolder &&
+                         QFile::exists(FormResourceHolder->DataRootPath + QLatin1String(web.file)));
 }
 
 // --- translation of the bar ---
@@ -797,7 +829,8 @@ void TFormMain::TranslateOutlookBar() {
         // Page 1 holds no items yet when this runs: its shortcuts are the user's own names.
         for (int item = 0; item < m_outlookBar->ItemCount(page); ++item)
             m_outlookBar->SetItemCaption(
-                page, item, dictionary->GetText(pageKey + QLatin1Char('.') + QString::number(item), QString()));
+                page, item,
+                dictionary->GetText(pageKey + QLatin1Char('.') + QString::number(item), QString()));
     }
 }
 
@@ -943,7 +976,8 @@ void TFormMain::ToggleOn(TChildRoute& route) {
         route.Window = form;
     }
     if (!route.Window)
-        throw std::runtime_error("Access violation: the " + route.Name.toStdString() + " window does not exist");
+        throw std::runtime_error("Access violation: the " + route.Name.toStdString() +
+                                 " window does not exist");
     ShowChild(route.Window);
     CheckWindowEntry(route.Window);
 }
@@ -984,6 +1018,15 @@ void TFormMain::DestroyChild(QWidget* form) {
     if (auto* sub = qobject_cast<QMdiSubWindow*>(form->parentWidget())) {
         sub->hide();
         sub->deleteLater();
+        // The next child in the stacking order takes over, as it does when a window closes.
+        if (!m_mdiArea->activeSubWindow() || m_mdiArea->activeSubWindow() == sub) {
+            const QList<QMdiSubWindow*> stack = m_mdiArea->subWindowList(QMdiArea::StackingOrder);
+            for (qsizetype i = stack.size() - 1; i >= 0; --i)
+                if (stack[i] != sub && stack[i]->isVisible()) {
+                    m_mdiArea->setActiveSubWindow(stack[i]);
+                    break;
+                }
+        }
     } else {
         form->hide();
         form->deleteLater();
@@ -1061,7 +1104,9 @@ void TFormMain::DeactivateChild(QWidget* form) {
     }
 }
 
-TChildCommands* TFormMain::ActiveCommands() const { return dynamic_cast<TChildCommands*>(m_activeChild.data()); }
+TChildCommands* TFormMain::ActiveCommands() const {
+    return dynamic_cast<TChildCommands*>(m_activeChild.data());
+}
 
 void TFormMain::UpdatePrintAction() {
     const TChildCommands* child = ActiveCommands();
@@ -1073,11 +1118,17 @@ void TFormMain::SetCommandEnabled(const QString& name, bool enabled) {
         item->setEnabled(enabled);
 }
 
-void TFormMain::SetStatusCount(const QString& text) { m_statusCount->setText(text); }
+void TFormMain::SetStatusCount(const QString& text) {
+    m_statusCount->setText(text);
+}
 
-void TFormMain::SetStatusHint(const QString& text) { m_statusHint->setText(text); }
+void TFormMain::SetStatusHint(const QString& text) {
+    m_statusHint->setText(text);
+}
 
-QString TFormMain::QuickSearchText() const { return m_editQuickSearch->text(); }
+QString TFormMain::QuickSearchText() const {
+    return m_editQuickSearch->text();
+}
 
 // --- focus: the edit commands and the navigator ---
 
@@ -1087,7 +1138,8 @@ void TFormMain::FocusChanged() {
         focus = nullptr;
 
     QWidget* editor = nullptr;
-    if (qobject_cast<QLineEdit*>(focus) || qobject_cast<QTextEdit*>(focus) || qobject_cast<QPlainTextEdit*>(focus))
+    if (qobject_cast<QLineEdit*>(focus) || qobject_cast<QTextEdit*>(focus) ||
+        qobject_cast<QPlainTextEdit*>(focus))
         editor = focus;
     if (editor != m_focusEditor) {
         if (m_focusEditor)
@@ -1160,16 +1212,16 @@ void TFormMain::UpdateNavigator() {
     const bool editing = state == qm::dsEdit || state == qm::dsInsert;
     const bool canModify = active && !dataset->ReadOnly();
     const bool enabled[] = {
-        active && !dataset->Bof(),            // First
-        active && !dataset->Bof(),            // Prior
-        active && !dataset->Eof(),            // Next
-        active && !dataset->Eof(),            // Last
-        canModify,                            // Insert
-        canModify && !dataset->IsEmpty(),     // Delete
-        canModify && !editing,                // Edit
-        editing,                              // Post
-        editing,                              // Cancel
-        active,                               // Refresh
+        active && !dataset->Bof(),        // First
+        active && !dataset->Bof(),        // Prior
+        active && !dataset->Eof(),        // Next
+        active && !dataset->Eof(),        // Last
+        canModify,                        // Insert
+        canModify && !dataset->IsEmpty(), // Delete
+        canModify && !editing,            // Edit
+        editing,                          // Post
+        editing,                          // Cancel
+        active,                           // Refresh
     };
     for (size_t i = 0; i < std::size(navigatorButtons); ++i)
         Item(navigatorButtons[i])->setEnabled(enabled[i]);

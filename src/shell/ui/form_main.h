@@ -64,11 +64,11 @@ struct TChildRoute {
     int BarItem = -1;
     bool ShortcutToggle = false;
     QString CreationTestRoute;
-    bool UserButton = false; ///< the tool button also needs ActiveUserId above 0
-    TChildFactory Factory;       ///< MdiToggle and Modeless
-    std::function<void()> Run;   ///< Modal
-    QPointer<QWidget> Window;    ///< the window's pointer: null while closed
-    QString PendingDefinition;   ///< handed to the next window this route creates
+    bool UserButton = false;   ///< the tool button also needs ActiveUserId above 0
+    TChildFactory Factory;     ///< MdiToggle and Modeless
+    std::function<void()> Run; ///< Modal
+    QPointer<QWidget> Window;  ///< the window's pointer: null while closed
+    QString PendingDefinition; ///< handed to the next window this route creates
 
     bool Registered() const { return Kind == TRouteKind::Modal ? bool(Run) : bool(Factory); }
 };

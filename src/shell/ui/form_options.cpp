@@ -12,10 +12,13 @@
 
 namespace {
 
-TVintraOptions& options() { return FormResourceHolder->VintraOptions; }
+TVintraOptions& options() {
+    return FormResourceHolder->VintraOptions;
+}
 
 /// The kinds of record of the deletion page, by the suffix of their controls and keys.
-constexpr const char* radioKinds[] = {"Recipe", "Ingredient", "Unit", "RecipeGroup", "IngredientType", "MenuGroup"};
+constexpr const char* radioKinds[] = {"Recipe",      "Ingredient",     "Unit",
+                                      "RecipeGroup", "IngredientType", "MenuGroup"};
 
 /// Check boxes and their boolean options, in the order of the dialog's pages.
 constexpr struct {
@@ -68,7 +71,8 @@ int pageSizeIndex(int pageSize) {
 
 } // namespace
 
-TFormOptions::TFormOptions(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui::FormOptions>()), m_translator(this) {
+TFormOptions::TFormOptions(QWidget* parent)
+    : QDialog(parent), ui(std::make_unique<Ui::FormOptions>()), m_translator(this) {
     RegisterWidgetTranslation();
     ui->setupUi(this);
     ui->PageControlOptions->setCurrentIndex(0);
@@ -96,9 +100,11 @@ TFormOptions::TFormOptions(QWidget* parent) : QDialog(parent), ui(std::make_uniq
 
     // FormCreate: each control from its option.
     for (const auto& box : checkBoxes)
-        findChild<QCheckBox*>(QLatin1String(box.control))->setChecked(options().GetAsBoolean(QLatin1String(box.key)));
+        findChild<QCheckBox*>(QLatin1String(box.control))
+            ->setChecked(options().GetAsBoolean(QLatin1String(box.key)));
     for (const auto& edit : edits)
-        findChild<QLineEdit*>(QLatin1String(edit.control))->setText(options().GetAsString(QLatin1String(edit.key)));
+        findChild<QLineEdit*>(QLatin1String(edit.control))
+            ->setText(options().GetAsString(QLatin1String(edit.key)));
     SetColorMain(qm::ColorFromOption(options().GetAsInteger(QStringLiteral("ColorMain"))));
     for (int kind = 0; kind < 6; ++kind)
         IRDelete[kind] = options().GetAsInteger(QStringLiteral("IRDelete") + QLatin1String(radioKinds[kind]));
@@ -106,8 +112,8 @@ TFormOptions::TFormOptions(QWidget* parent) : QDialog(parent), ui(std::make_uniq
     ui->ComboBoxPageSize->setCurrentIndex(pageSizeIndex(options().GetAsInteger(QStringLiteral("PageSize"))));
 
     // The languages: the language files beside the program, sorted; the current one selected.
-    QStringList languages =
-        QDir(FormResourceHolder->ExecutablePath + QStringLiteral("Languages")).entryList({QStringLiteral("*.xml")}, QDir::Files);
+    QStringList languages = QDir(FormResourceHolder->ExecutablePath + QStringLiteral("Languages"))
+                                .entryList({QStringLiteral("*.xml")}, QDir::Files);
     for (QString& language : languages)
         language.chop(4);
     languages.sort(Qt::CaseInsensitive);
@@ -119,11 +125,13 @@ TFormOptions::TFormOptions(QWidget* parent) : QDialog(parent), ui(std::make_uniq
 TFormOptions::~TFormOptions() = default;
 
 QRadioButton* TFormOptions::Restricted(int kind) const {
-    return findChild<QRadioButton*>(QStringLiteral("RadioButtonIRDeleteRestricted") + QLatin1String(radioKinds[kind]));
+    return findChild<QRadioButton*>(QStringLiteral("RadioButtonIRDeleteRestricted") +
+                                    QLatin1String(radioKinds[kind]));
 }
 
 QRadioButton* TFormOptions::Cascade(int kind) const {
-    return findChild<QRadioButton*>(QStringLiteral("RadioButtonIRDeleteCascade") + QLatin1String(radioKinds[kind]));
+    return findChild<QRadioButton*>(QStringLiteral("RadioButtonIRDeleteCascade") +
+                                    QLatin1String(radioKinds[kind]));
 }
 
 void TFormOptions::UpdateRadioButtons() {
@@ -157,9 +165,11 @@ void TFormOptions::showEvent(QShowEvent* event) {
 
 void TFormOptions::BitBtnOkClick() {
     for (const auto& box : checkBoxes)
-        options().SetAsBoolean(QLatin1String(box.key), findChild<QCheckBox*>(QLatin1String(box.control))->isChecked());
+        options().SetAsBoolean(QLatin1String(box.key),
+                               findChild<QCheckBox*>(QLatin1String(box.control))->isChecked());
     for (const auto& edit : edits)
-        options().SetAsString(QLatin1String(edit.key), findChild<QLineEdit*>(QLatin1String(edit.control))->text());
+        options().SetAsString(QLatin1String(edit.key),
+                              findChild<QLineEdit*>(QLatin1String(edit.control))->text());
     options().SetAsInteger(QStringLiteral("ColorMain"), qm::ColorToOption(m_colorMain));
     for (int kind = 0; kind < 6; ++kind)
         options().SetAsInteger(QStringLiteral("IRDelete") + QLatin1String(radioKinds[kind]), IRDelete[kind]);
@@ -180,8 +190,8 @@ void TFormOptions::BitBtnOkClick() {
         options().SetAsString(QStringLiteral("Language"), language);
         FormResourceHolder->VintraDictionary.SetFileName(FormResourceHolder->LanguageFile(language));
         if (FormMain)
-            FormMain->HelpFile =
-                FormResourceHolder->ExecutablePath + QStringLiteral("Help/") + language + QStringLiteral(".hlp");
+            FormMain->HelpFile = FormResourceHolder->ExecutablePath + QStringLiteral("Help/") + language +
+                                 QStringLiteral(".hlp");
     }
     options().Store();
     accept();
@@ -216,9 +226,9 @@ void TFormOptions::SpeedButtonBackgroundPictureClick() {
 
 void TFormOptions::SpeedButtonExportTemplateWordClick() {
     // The Word export writes .docx from its template; older .doc names are shown as well.
-    const QString file =
-        QFileDialog::getOpenFileName(this, ui->SpeedButtonExportTemplateWord->toolTip(),
-                                     ui->EditExportTemplateWord->text(), QStringLiteral("Microsoft Word (*.docx *.doc)"));
+    const QString file = QFileDialog::getOpenFileName(this, ui->SpeedButtonExportTemplateWord->toolTip(),
+                                                      ui->EditExportTemplateWord->text(),
+                                                      QStringLiteral("Microsoft Word (*.docx *.doc)"));
     if (!file.isEmpty())
         ui->EditExportTemplateWord->setText(file);
 }

@@ -24,7 +24,9 @@ const QColor orange(0xec, 0x85, 0x1e);
 const QColor yellow(0xf4, 0xc4, 0x30);
 const QColor grey(0x8c, 0x8c, 0x8c);
 
-QPen pen(const QColor& color, qreal width = 1.6) { return QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin); }
+QPen pen(const QColor& color, qreal width = 1.6) {
+    return QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+}
 
 void page(QPainter& p, const QRectF& r) {
     p.setPen(pen(ink));

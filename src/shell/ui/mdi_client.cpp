@@ -2,8 +2,8 @@
 
 #include <QApplication>
 #include <QImageReader>
-#include <QPainter>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QPalette>
 
 namespace qm {
@@ -14,7 +14,9 @@ QColor ColorFromOption(int value) {
     return QColor(value & 0xFF, (value >> 8) & 0xFF, (value >> 16) & 0xFF);
 }
 
-int ColorToOption(const QColor& color) { return color.red() | (color.green() << 8) | (color.blue() << 16); }
+int ColorToOption(const QColor& color) {
+    return color.red() | (color.green() << 8) | (color.blue() << 16);
+}
 
 QImage LoadBackgroundPicture(const QString& fileName, bool transparent) {
     if (fileName.isEmpty())

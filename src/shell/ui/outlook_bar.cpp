@@ -44,13 +44,14 @@ int TOutlookBar::AddPage(const QString& caption) {
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setItemDelegate(new BarItemDelegate(this, list));
     applyIconSize(list);
-    connect(list, &QListWidget::itemClicked, this, [this, list](QListWidgetItem* item) {
-        emit ItemClick(indexOf(list), list->row(item));
-    });
+    connect(list, &QListWidget::itemClicked, this,
+            [this, list](QListWidgetItem* item) { emit ItemClick(indexOf(list), list->row(item)); });
     return addItem(list, caption);
 }
 
-QListWidget* TOutlookBar::Page(int page) const { return qobject_cast<QListWidget*>(widget(page)); }
+QListWidget* TOutlookBar::Page(int page) const {
+    return qobject_cast<QListWidget*>(widget(page));
+}
 
 QListWidgetItem* TOutlookBar::AddItem(int page, const QString& caption, const QIcon& icon) {
     return new QListWidgetItem(icon, caption, Page(page));

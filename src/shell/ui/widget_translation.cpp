@@ -54,7 +54,8 @@ void translateTableColumns(QObject* object, TVintraTranslator& translator) {
         QTableWidgetItem* item = table->horizontalHeaderItem(i);
         if (!item)
             continue;
-        const QString english = TVintraTranslator::English(object, "column" + QByteArray::number(i), item->text());
+        const QString english =
+            TVintraTranslator::English(object, "column" + QByteArray::number(i), item->text());
         item->setText(translator.Text(columnKey(translator, object, i), english));
     }
 }
@@ -64,8 +65,8 @@ void translateModelColumns(QObject* object, TVintraTranslator& translator) {
     if (!model)
         return;
     for (int i = 0; i < model->columnCount(); ++i) {
-        const QString english = TVintraTranslator::English(
-            object, "column" + QByteArray::number(i), model->headerData(i, Qt::Horizontal).toString());
+        const QString english = TVintraTranslator::English(object, "column" + QByteArray::number(i),
+                                                           model->headerData(i, Qt::Horizontal).toString());
         model->setHeaderData(i, Qt::Horizontal, translator.Text(columnKey(translator, object, i), english));
     }
 }

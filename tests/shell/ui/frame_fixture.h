@@ -26,11 +26,13 @@ public:
 
     /// Stores an option before the frame reads them.
     void store(const QString& key, const QVariant& value) {
-        QSettings(paths.OptionsFile, QSettings::IniFormat).setValue(QStringLiteral("Quillmeal/") + key, value);
+        QSettings(paths.OptionsFile, QSettings::IniFormat)
+            .setValue(QStringLiteral("Quillmeal/") + key, value);
     }
     /// The stored value of an option, or `absent`.
     QVariant stored(const QString& key, const QVariant& absent = QVariant()) const {
-        return QSettings(paths.OptionsFile, QSettings::IniFormat).value(QStringLiteral("Quillmeal/") + key, absent);
+        return QSettings(paths.OptionsFile, QSettings::IniFormat)
+            .value(QStringLiteral("Quillmeal/") + key, absent);
     }
 
     /// Creates and shows the frame, through FormCreate and FormShow.
@@ -75,4 +77,6 @@ public:
 };
 
 /// Runs the deferred deletions, so that windows destroyed "later" are gone.
-inline void flushDeletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+inline void flushDeletes() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}

@@ -93,8 +93,9 @@ struct SampleForm {
         for (const char* page : {"TabSheetA", "TabSheetB"}) {
             auto* widget = new QWidget;
             widget->setObjectName(QLatin1String(page));
-            tabs->addTab(widget, QLatin1String(page) == QLatin1String("TabSheetA") ? QStringLiteral("First")
-                                                                                   : QStringLiteral("Second"));
+            tabs->addTab(widget, QLatin1String(page) == QLatin1String("TabSheetA")
+                                     ? QStringLiteral("First")
+                                     : QStringLiteral("Second"));
         }
         tree->setObjectName(QStringLiteral("TreeViewItems"));
         tree->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("Amount")});
@@ -122,21 +123,20 @@ private slots:
     void controlsTakeTheirKeysAndFallBackToEnglish() {
         QTemporaryDir dir;
         TVintraDictionary german;
-        german.SetFileName(writeDictionary(
-            dir, QStringLiteral("Deutsch"),
-            {{"FormSample.Caption", "Beispiel"},
-             {"FormSample.LabelName", "Name (de):"},
-             {"FormSample.BitBtnOk.Hint", "Annehmen"},
-             {"FormSample.GroupBoxOne", "Gruppe"},
-             {"FormSample.EditName", "must not reach the edit"},
-             {"FormSample.EditName.Hint", "Namen eingeben"},
-             {"FormSample.TabSheetA", "Erste"},
-             {"FormSample.TreeViewItems.Column1", "Menge"},
-             {"FormSample.DBGridRows.Column0", "Spalte A"},
-             {"FormSample.ActionGo", "Los"},
-             {"FormSample.ActionGo.Hint", "Weiter"},
-             {"FormSample.LabelInner", "Innen"},
-             {"FormSample.LabelSkipped", "Übersprungen"}}));
+        german.SetFileName(writeDictionary(dir, QStringLiteral("Deutsch"),
+                                           {{"FormSample.Caption", "Beispiel"},
+                                            {"FormSample.LabelName", "Name (de):"},
+                                            {"FormSample.BitBtnOk.Hint", "Annehmen"},
+                                            {"FormSample.GroupBoxOne", "Gruppe"},
+                                            {"FormSample.EditName", "must not reach the edit"},
+                                            {"FormSample.EditName.Hint", "Namen eingeben"},
+                                            {"FormSample.TabSheetA", "Erste"},
+                                            {"FormSample.TreeViewItems.Column1", "Menge"},
+                                            {"FormSample.DBGridRows.Column0", "Spalte A"},
+                                            {"FormSample.ActionGo", "Los"},
+                                            {"FormSample.ActionGo.Hint", "Weiter"},
+                                            {"FormSample.LabelInner", "Innen"},
+                                            {"FormSample.LabelSkipped", "Übersprungen"}}));
         SampleForm sample;
         bool after = false;
         sample.translator.AfterTranslate = [&] { after = true; };
@@ -168,8 +168,8 @@ private slots:
         QCOMPARE(sample.skipped->text(), QStringLiteral("Skip me"));
         QStringList missing = sample.translator.MissingKeys();
         missing.sort();
-        QCOMPARE(missing, QStringList({"FormSample.BitBtnOk", "FormSample.DBGridRows.Column1", "FormSample.TabSheetB",
-                                       "FormSample.TreeViewItems.Column0"}));
+        QCOMPARE(missing, QStringList({"FormSample.BitBtnOk", "FormSample.DBGridRows.Column1",
+                                       "FormSample.TabSheetB", "FormSample.TreeViewItems.Column0"}));
 
         // The inner form translates itself by its own name.
         sample.innerTranslator.SetDictionary(&german);
@@ -187,7 +187,8 @@ private slots:
                                             {"FormSample.ActionGo", "Los"},
                                             {"FormSample.TreeViewItems.Column0", "Bezeichnung"}}));
         TVintraDictionary other;
-        other.SetFileName(writeDictionary(dir, QStringLiteral("Other"), {{"FormSample.Caption", "Sample 2"}}));
+        other.SetFileName(
+            writeDictionary(dir, QStringLiteral("Other"), {{"FormSample.Caption", "Sample 2"}}));
         SampleForm sample;
         sample.translator.SetDictionary(&german);
         sample.translator.Translate();
@@ -251,7 +252,8 @@ private slots:
         fixture.store(QStringLiteral("Language"), language);
         TFormMain& form = fixture.create();
         QCOMPARE(FormResourceHolder->VintraDictionary.Language(), language);
-        QVERIFY2(form.Translator().MissingKeys().isEmpty(), qPrintable(form.Translator().MissingKeys().join("\n")));
+        QVERIFY2(form.Translator().MissingKeys().isEmpty(),
+                 qPrintable(form.Translator().MissingKeys().join("\n")));
         TFormOptions options(&form);
         options.show();
         QVERIFY2(options.Translator().MissingKeys().isEmpty(),

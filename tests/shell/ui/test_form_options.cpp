@@ -1,0 +1,345 @@
+// The options dialog over a real frame: its bindings, OK and Cancel, the languages, and the
+// tool bar places it saves and restores.
+#include "frame_fixture.h"
+#include "shell/ui/form_options.h"
+#include "shell/ui/mdi_client.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QTimer>
+#include <QToolBar>
+
+namespace {
+
+template <typename T> T* child(QWidget& parent, const QString& name) {
+    T* found = parent.findChild<T*>(name);
+    if (!found)
+        qFatal("no control %s", qPrintable(name));
+    return found;
+}
+
+QToolBar* bar(TFormMain& form, const char* name) {
+    return form.findChild<QToolBar*>(QLatin1String(name));
+}
+
+/// Names of the tool bars row by row, left to right, as they stand in the frame.
+QList<QStringList> rowsOnScreen(TFormMain& form, bool withHidden = false) {
+    QList<QToolBar*> bars = form.findChildren<QToolBar*>();
+    bars.removeIf([&](QToolBar* b) { return !withHidden && b->isHidden(); });
+    std::sort(bars.begin(), bars.end(),
+              [](QToolBar* a, QToolBar* b) { return a->y() != b->y() ? a->y() < b->y() : a->x() < b->x(); });
+    QList<QStringList> rows;
+    int y = -1;
+    for (QToolBar* b : bars) {
+        if (rows.isEmpty() || b->y() != y)
+            rows.append(QStringList());
+        y = b->y();
+        rows.last() << b->objectName();
+    }
+    return rows;
+}
+
+} // namespace
+
+class TestFormOptions : public QObject {
+    Q_OBJECT
+    std::unique_ptr<QTemporaryDir> m_exe;
+    std::unique_ptr<FrameFixture> m_fixture;
+
+    TVintraOptions& options() { return FormResourceHolder->VintraOptions; }
+
+private slots:
+    void init() {
+        m_exe = std::make_unique<QTemporaryDir>();
+        m_fixture = std::make_unique<FrameFixture>(FrameFixture::copyLanguages(*m_exe));
+    }
+    void cleanup() {
+        m_fixture.reset();
+        m_exe.reset();
+    }
+
+    void storedValuesFillTheControls() {
+        m_fixture->store(QStringLiteral("ConfirmExit"), false);
+        m_fixture->store(QStringLiteral("Currency"), QStringLiteral("EUR"));
+        m_fixture->store(QStringLiteral("RepCalSummary"), false);
+        m_fixture->store(QStringLiteral("ColorMain"), 0x563412);
+        TFormMain& form = m_fixture->create();
+        TFormOptions dialog(&form);
+        QVERIFY(!child<QCheckBox>(dialog, "CheckBoxConfirmExit")->isChecked());
+        QVERIFY(!child<QCheckBox>(dialog, "CheckBoxReportCalendarPrintSummary")->isChecked());
+        QVERIFY(child<QCheckBox>(dialog, "CheckBoxToolbarMain")->isChecked()); // default
+        QVERIFY(!child<QCheckBox>(dialog, "CheckBoxToolbarQuickSearch")->isChecked());
+        QCOMPARE(child<QLineEdit>(dialog, "EditCurrency")->text(), QStringLiteral("EUR"));
+        QCOMPARE(dialog.ColorMain(), QColor(0x12, 0x34, 0x56));
+        QCOMPARE(child<QWidget>(dialog, "PanelColorMain")->palette().color(QPalette::Window),
+                 QColor(0x12, 0x34, 0x56));
+    }
+
+    void okWritesTheControlsBack_data() {
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("key");
+        const char* pairs[][2] = {
+            {"CheckBoxConfirmExit", "ConfirmExit"},
+            {"CheckBoxToolbarNavigator", "ToolbarNavigator"},
+            {"CheckBoxToolbarMain", "ToolbarMain"},
+            {"CheckBoxToolbarRecipes", "ToolbarRecipes"},
+            {"CheckBoxToolbarQuickSearch", "ToolbarQuickSearch"},
+            {"CheckBoxToolbarUsers", "ToolbarUsers"},
+            {"EditCurrency", "Currency"},
+            {"CheckBoxConfirmDeletionRecipe", "ConfirmDeletionRecipe"},
+            {"CheckBoxConfirmDeletionIngredient", "ConfirmDeletionIngredient"},
+            {"CheckBoxConfirmDeletionUnit", "ConfirmDeletionUnit"},
+            {"CheckBoxConfirmDeletionRecipeGroup", "ConfirmDeletionRecipeGroup"},
+            {"CheckBoxConfirmDeletionIngredientType", "ConfirmDeletionIngredientType"},
+            {"CheckBoxConfirmDeletionMenuGroup", "ConfirmDeletionMenuGroup"},
+            {"CheckBoxReportRecipesPrintPicture", "RepRecPictures"},
+            {"CheckBoxReportRecipesPrintNutrients", "RepRecNutrients"},
+            {"CheckBoxReportIngredientsPrintPicture", "RepIngPictures"},
+            {"CheckBoxReportIngredientsPrintNutrients", "RepIngNutrients"},
+            {"CheckBoxReportMenusPrintIngredients", "RepMenIngredients"},
+            {"CheckBoxReportCalendarPrintByDay", "RepCalByDay"},
+            {"CheckBoxReportCalendarPrintSummary", "RepCalSummary"},
+            {"EditFromName", "FromName"},
+            {"EditFromAddress", "FromAddress"},
+            {"CheckBoxShowMailDialog", "ShowMailDialog"},
+            {"CheckBoxExportPicture", "ExportPicture"},
+            {"CheckBoxExportNutrients", "ExportNutrients"},
+            {"CheckBoxExportIngredients", "ExportIngredients"},
+            {"CheckBoxExportUnits", "ExportUnits"},
+            {"EditExportTemplateWord", "ExportTemplateWord"},
+            {"CheckBoxAutoRecalculate", "AutoRecalculate"},
+            {"EditBackgroundPicture", "BackgroundPictureMain"},
+            {"CheckBoxBackgroundPictureTransparent", "BackgroundPictureMainTransparent"},
+        };
+        for (const auto& pair : pairs)
+            QTest::newRow(pair[0]) << QString::fromLatin1(pair[0]) << QString::fromLatin1(pair[1]);
+    }
+
+    void okWritesTheControlsBack() {
+        QFETCH(QString, control);
+        QFETCH(QString, key);
+        TFormMain& form = m_fixture->create();
+        TFormOptions dialog(&form);
+        dialog.show();
+        QVariant expected;
+        if (auto* box = dialog.findChild<QCheckBox*>(control)) {
+            box->click();
+            expected = !options().GetAsBoolean(key);
+        } else {
+            child<QLineEdit>(dialog, control)->setText(QStringLiteral("typed ") + key);
+            expected = QStringLiteral("typed ") + key;
+        }
+        QCOMPARE(m_fixture->stored(key), QVariant()); // nothing stored before OK
+        child<QPushButton>(dialog, "BitBtnOk")->click();
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        if (expected.typeId() == QMetaType::Bool) {
+            QCOMPARE(options().GetAsBoolean(key), expected.toBool());
+            QCOMPARE(m_fixture->stored(key).toBool(), expected.toBool());
+        } else {
+            QCOMPARE(options().GetAsString(key), expected.toString());
+            QCOMPARE(m_fixture->stored(key).toString(), expected.toString());
+        }
+    }
+
+    void radioPairsColourAndPageSize() {
+        m_fixture->store(QStringLiteral("IRDeleteRecipe"), 2);
+        m_fixture->store(QStringLiteral("IRDeleteMenuGroup"), 7);
+        m_fixture->store(QStringLiteral("PageSize"), TFormOptions::PageSizeA4);
+        TFormMain& form = m_fixture->create();
+        TFormOptions dialog(&form);
+        dialog.show();
+        QVERIFY(child<QRadioButton>(dialog, "RadioButtonIRDeleteCascadeRecipe")->isChecked());
+        QVERIFY(!child<QRadioButton>(dialog, "RadioButtonIRDeleteRestrictedRecipe")->isChecked());
+        QVERIFY(child<QRadioButton>(dialog, "RadioButtonIRDeleteRestrictedUnit")->isChecked());
+        // A value that is neither rule checks neither button, and stays unless a button is chosen.
+        QVERIFY(!child<QRadioButton>(dialog, "RadioButtonIRDeleteRestrictedMenuGroup")->isChecked());
+        QVERIFY(!child<QRadioButton>(dialog, "RadioButtonIRDeleteCascadeMenuGroup")->isChecked());
+        QCOMPARE(child<QComboBox>(dialog, "ComboBoxPageSize")->currentText(), QStringLiteral("A4"));
+
+        child<QRadioButton>(dialog, "RadioButtonIRDeleteCascadeUnit")->click();
+        child<QRadioButton>(dialog, "RadioButtonIRDeleteRestrictedRecipe")->click();
+        QCOMPARE(dialog.IRDelete[2], 2);
+        dialog.IRDelete[4] = 2; // IngredientType, as UpdateRadioButtons shows it
+        dialog.UpdateRadioButtons();
+        QVERIFY(child<QRadioButton>(dialog, "RadioButtonIRDeleteCascadeIngredientType")->isChecked());
+        dialog.SetColorMain(QColor(0x12, 0x34, 0x56));
+        child<QComboBox>(dialog, "ComboBoxPageSize")->setCurrentText(QStringLiteral("Letter"));
+        child<QPushButton>(dialog, "BitBtnOk")->click();
+        QCOMPARE(m_fixture->stored(QStringLiteral("IRDeleteUnit")).toInt(), 2);
+        QCOMPARE(m_fixture->stored(QStringLiteral("IRDeleteRecipe")).toInt(), 1);
+        QCOMPARE(m_fixture->stored(QStringLiteral("IRDeleteIngredientType")).toInt(), 2);
+        QCOMPARE(m_fixture->stored(QStringLiteral("IRDeleteMenuGroup")).toInt(), 7);
+        QCOMPARE(m_fixture->stored(QStringLiteral("ColorMain")).toInt(), 0x563412); // 0x00BBGGRR
+        QCOMPARE(m_fixture->stored(QStringLiteral("PageSize")).toInt(), TFormOptions::PageSizeLetter);
+    }
+
+    void cancelLeavesEveryOption() {
+        TFormMain& form = m_fixture->create();
+        TFormOptions dialog(&form);
+        dialog.show();
+        child<QCheckBox>(dialog, "CheckBoxConfirmExit")->click();
+        child<QLineEdit>(dialog, "EditCurrency")->setText(QStringLiteral("EUR"));
+        child<QRadioButton>(dialog, "RadioButtonIRDeleteCascadeUnit")->click();
+        child<QComboBox>(dialog, "ComboBoxCurrentLanguage")->setCurrentText(QStringLiteral("Deutsch"));
+        child<QPushButton>(dialog, "BitBtnCancel")->click();
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        QVERIFY(options().GetAsBoolean(QStringLiteral("ConfirmExit")));
+        QCOMPARE(options().GetAsString(QStringLiteral("Currency")), QStringLiteral("$"));
+        QCOMPARE(options().GetAsInteger(QStringLiteral("IRDeleteUnit")), 1);
+        QCOMPARE(FormResourceHolder->VintraDictionary.Language(), QStringLiteral("English"));
+        QVERIFY(!m_fixture->stored(QStringLiteral("Currency")).isValid());
+    }
+
+    void languagesComeSortedFromTheLanguagesFolder() {
+        QFile::copy(QStringLiteral(QM_SOURCE_DATA "/Languages/English.xml"),
+                    m_fixture->paths.ExecutablePath + QStringLiteral("Languages/afrikaans.xml"));
+        QFile(m_fixture->paths.ExecutablePath + QStringLiteral("Languages/notes.txt"))
+            .open(QIODevice::WriteOnly);
+        TFormMain& form = m_fixture->create();
+        TFormOptions dialog(&form);
+        auto* combo = child<QComboBox>(dialog, "ComboBoxCurrentLanguage");
+        QStringList items;
+        for (int i = 0; i < combo->count(); ++i)
+            items << combo->itemText(i);
+        QCOMPARE(items, QStringList({"afrikaans", "Deutsch", "English"}));
+        QCOMPARE(combo->currentText(), QStringLiteral("English"));
+    }
+
+    void aRemovedLanguageFileStaysTheLanguage() {
+        m_fixture->store(QStringLiteral("Language"), QStringLiteral("Deutsch"));
+        QFile::remove(m_fixture->paths.ExecutablePath + QStringLiteral("Languages/Deutsch.xml"));
+        TFormMain& form = m_fixture->create();
+        TFormOptions dialog(&form);
+        dialog.show();
+        auto* combo = child<QComboBox>(dialog, "ComboBoxCurrentLanguage");
+        QCOMPARE(combo->currentIndex(), -1);
+        QCOMPARE(combo->count(), 1);
+        child<QPushButton>(dialog, "BitBtnOk")->click();
+        QCOMPARE(options().GetAsString(QStringLiteral("Language")), QStringLiteral("Deutsch"));
+        QCOMPARE(m_fixture->stored(QStringLiteral("Language")).toString(), QStringLiteral("Deutsch"));
+    }
+
+    void aNewLanguageReachesTheWindowsShownLater() {
+        TFormMain& form = m_fixture->create();
+        const QString englishFile = form.findChild<QMenu*>(QStringLiteral("MIFile"))->title();
+        QVERIFY(form.HelpFile.endsWith(QLatin1String("Help/English.chm")));
+        {
+            TFormOptions dialog(&form);
+            dialog.show();
+            QCOMPARE(dialog.windowTitle(), QStringLiteral("Options"));
+            child<QComboBox>(dialog, "ComboBoxCurrentLanguage")->setCurrentText(QStringLiteral("Deutsch"));
+            child<QPushButton>(dialog, "BitBtnOk")->click();
+        }
+        QCOMPARE(FormResourceHolder->VintraDictionary.Language(), QStringLiteral("Deutsch"));
+        QCOMPARE(m_fixture->stored(QStringLiteral("Language")).toString(), QStringLiteral("Deutsch"));
+        // The help file takes the other ending after a change of language.
+        QCOMPARE(form.HelpFile, m_fixture->paths.ExecutablePath + QStringLiteral("Help/Deutsch.hlp"));
+        // Open windows stay as they were.
+        QCOMPARE(form.findChild<QMenu*>(QStringLiteral("MIFile"))->title(), englishFile);
+
+        TFormOptions later(&form);
+        later.show();
+        QCOMPARE(later.windowTitle(), QStringLiteral("Optionen"));
+        QCOMPARE(child<QPushButton>(later, "BitBtnCancel")->text(), QStringLiteral("Abbrechen"));
+        QCOMPARE(child<QTabWidget>(later, "PageControlOptions")->tabText(0), QStringLiteral("Allgemein"));
+        QCOMPARE(child<QCheckBox>(later, "CheckBoxConfirmExit")->text(),
+                 QStringLiteral("Vor dem Beenden nachfragen"));
+        QCOMPARE(child<QComboBox>(later, "ComboBoxCurrentLanguage")->currentText(),
+                 QStringLiteral("Deutsch"));
+    }
+
+    void savedPositionsSurviveCancelAndTheNextStart() {
+        // Users alone on top; Recipes before Main below; Navigator and the hidden quick search last.
+        const QList<std::tuple<const char*, int, int>> places = {{"ToolbarUsers", 2, 11},
+                                                                 {"ToolbarRecipes", 40, 11},
+                                                                 {"ToolbarMain", 44, 300},
+                                                                 {"ToolbarNavigator", 80, 11},
+                                                                 {"ToolbarQuickSearch", 82, 600}};
+        for (const auto& [name, top, left] : places) {
+            m_fixture->store(QLatin1String(name) + QStringLiteral("Top"), top);
+            m_fixture->store(QLatin1String(name) + QStringLiteral("Left"), left);
+        }
+        TFormMain& form = m_fixture->create();
+        const QList<QStringList> arranged = {
+            {"ToolBarUsers"}, {"ToolBarRecipes", "ToolBarMain"}, {"ToolBarNavigator"}};
+        QCOMPARE(rowsOnScreen(form), arranged);
+        {
+            TFormOptions dialog(&form);
+            dialog.show();
+            child<QPushButton>(dialog, "BitBtnSaveToolbarsPositions")->click();
+            child<QPushButton>(dialog, "BitBtnCancel")->click();
+        }
+        QVERIFY(bar(form, "ToolBarQuickSearch")->isHidden());
+        // Stored at once, in the frame's coordinates: rows of one Top, Left growing along a row.
+        const auto stored = [&](const char* name, const char* part) {
+            return m_fixture->stored(QLatin1String(name) + QLatin1String(part)).toInt();
+        };
+        QCOMPARE(stored("ToolbarUsers", "Top"), 2);
+        QCOMPARE(stored("ToolbarUsers", "Left"), 11);
+        QCOMPARE(stored("ToolbarRecipes", "Top"), stored("ToolbarMain", "Top"));
+        QVERIFY(stored("ToolbarRecipes", "Top") > 2);
+        QVERIFY(stored("ToolbarRecipes", "Left") < stored("ToolbarMain", "Left"));
+        QCOMPARE(stored("ToolbarNavigator", "Top"), stored("ToolbarQuickSearch", "Top"));
+        QVERIFY(stored("ToolbarNavigator", "Top") > stored("ToolbarMain", "Top"));
+        QVERIFY(stored("ToolbarNavigator", "Left") < stored("ToolbarQuickSearch", "Left"));
+        QCOMPARE(options().GetAsInteger(QStringLiteral("ToolbarMainLeft")), stored("ToolbarMain", "Left"));
+
+        // The next start lays the bars out as they were saved, the hidden one in its row.
+        m_fixture->destroy();
+        m_fixture->store(QStringLiteral("ToolbarQuickSearch"), true);
+        TFormMain& again = m_fixture->create();
+        QCOMPARE(rowsOnScreen(again), QList<QStringList>({{"ToolBarUsers"},
+                                                          {"ToolBarRecipes", "ToolBarMain"},
+                                                          {"ToolBarNavigator", "ToolBarQuickSearch"}}));
+    }
+
+    void restoreMovesTheBarsBackWithoutStoring() {
+        m_fixture->store(QStringLiteral("ToolbarUsersTop"), 90);
+        m_fixture->store(QStringLiteral("ToolbarMainTop"), 34);
+        m_fixture->store(QStringLiteral("ToolbarMainLeft"), 900);
+        TFormMain& form = m_fixture->create();
+        QCOMPARE(
+            rowsOnScreen(form),
+            QList<QStringList>({{"ToolBarNavigator", "ToolBarRecipes", "ToolBarMain"}, {"ToolBarUsers"}}));
+        TFormOptions dialog(&form);
+        dialog.show();
+        child<QPushButton>(dialog, "BitBtnRestoreToolbarsPositions")->click();
+        QCOMPARE(rowsOnScreen(form), QList<QStringList>({{"ToolBarMain", "ToolBarUsers"},
+                                                         {"ToolBarNavigator", "ToolBarRecipes"}}));
+        QCOMPARE(options().GetAsInteger(QStringLiteral("ToolbarUsersTop")), 2);
+        QCOMPARE(options().GetAsInteger(QStringLiteral("ToolbarMainLeft")), 11);
+        QCOMPARE(m_fixture->stored(QStringLiteral("ToolbarUsersTop")).toInt(), 90);
+        // The hidden quick search bar kept its default place: second row, last.
+        bar(form, "ToolBarQuickSearch")->show();
+        QCOMPARE(rowsOnScreen(form).at(1),
+                 QStringList({"ToolBarNavigator", "ToolBarRecipes", "ToolBarQuickSearch"}));
+    }
+
+    void okFromTheFrameRepaintsAndAppliesVisibility() {
+        TFormMain& form = m_fixture->create();
+        QVERIFY(!bar(form, "ToolBarNavigator")->isHidden());
+        QTimer::singleShot(0, this, [] {
+            auto* dialog = qobject_cast<TFormOptions*>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            child<QCheckBox>(*dialog, "CheckBoxToolbarNavigator")->click();
+            child<QCheckBox>(*dialog, "CheckBoxToolbarQuickSearch")->click();
+            child<QCheckBox>(*dialog, "CheckBoxToolbarUsers")->click();
+            dialog->SetColorMain(QColor(0x20, 0x40, 0x60));
+            child<QPushButton>(*dialog, "BitBtnOk")->click();
+        });
+        form.findChild<QAction*>(QStringLiteral("ToolButtonOptions"))->trigger();
+        QVERIFY(bar(form, "ToolBarNavigator")->isHidden());
+        QVERIFY(!bar(form, "ToolBarQuickSearch")->isHidden());
+        // The users' bar follows its option at the next start only.
+        QVERIFY(!bar(form, "ToolBarUsers")->isHidden());
+        QCOMPARE(form.MdiArea()->BackgroundColor(), QColor(0x20, 0x40, 0x60));
+    }
+};
+
+QTEST_MAIN(TestFormOptions)
+#include "test_form_options.moc"

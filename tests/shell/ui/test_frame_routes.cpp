@@ -1,0 +1,510 @@
+// The frame's window routes and its commands to the active child, driven with test windows.
+#include "components/database.h"
+#include "components/dataset.h"
+#include "components/dataset_model.h"
+#include "components/dataset_provider.h"
+#include "components/messages.h"
+#include "frame_fixture.h"
+#include "shell/ui/mdi_client.h"
+#include "shell/ui/outlook_bar.h"
+#include "store/data_module_main.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiSubWindow>
+#include <QTableView>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace {
+
+/// What the test windows saw, by window title.
+struct Journal {
+    QStringList events;
+    int created = 0;
+    QList<TChildRequest> requests;
+};
+
+/// A record window as the frame sees one: commands, activation, release, and a close handler
+/// that stores its geometry under the Unit prefix.
+class TTestChild : public QWidget, public TChildCommands {
+    Q_OBJECT
+public:
+    TTestChild(Journal& journal, const QString& title, int tag, bool find)
+        : m_journal(journal), m_find(find) {
+        Tag = tag;
+        setObjectName(QStringLiteral("FormTest"));
+        setWindowTitle(title);
+        ++journal.created;
+        auto* layout = new QVBoxLayout(this);
+        edit = new QLineEdit(QStringLiteral("some words"), this);
+        layout->addWidget(edit);
+    }
+    bool SupportsFind() const override { return m_find; }
+    void Print() override { m_journal.events << windowTitle() + QStringLiteral(" print"); }
+    void Find(int next) override {
+        m_journal.events
+            << QStringLiteral("%1 find %2 %3").arg(windowTitle()).arg(next).arg(MdiFrame->QuickSearchText());
+    }
+    void FormActivate() override {
+        m_journal.events << windowTitle() + QStringLiteral(" activate");
+        MdiFrame->SetStatusCount(windowTitle() + QStringLiteral(": 3"));
+        MdiFrame->SetCommandEnabled(QStringLiteral("ToolButtonRecalculate"), true);
+    }
+    void FormDeactivate() override {
+        m_journal.events << windowTitle() + QStringLiteral(" deactivate");
+        MdiFrame->SetCommandEnabled(QStringLiteral("ToolButtonRecalculate"), false);
+    }
+    void Release() override { m_journal.events << windowTitle() + QStringLiteral(" release"); }
+
+    QLineEdit* edit = nullptr;
+
+public slots:
+    void MIRecalculateClick() { m_journal.events << windowTitle() + QStringLiteral(" recalculate"); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        TVintraOptions& options = FormResourceHolder->VintraOptions;
+        options.SetAsInteger(QStringLiteral("UnitSizeWidth"), width());
+        options.SetAsInteger(QStringLiteral("UnitSizeHeight"), height());
+        options.Store();
+        m_journal.events << windowTitle() + QStringLiteral(" close");
+        event->accept();
+    }
+
+private:
+    Journal& m_journal;
+    bool m_find;
+};
+
+/// A grid that tells the frame which dataset it shows.
+class TTestGrid : public QTableView, public TDatasetProvider {
+public:
+    using QTableView::QTableView;
+    qm::Dataset* ProvidedDataset() const override { return dataset; }
+    qm::Dataset* dataset = nullptr;
+};
+
+TChildFactory factory(Journal& journal, const QString& title, int tag = 1, bool find = true) {
+    return [&journal, title, tag, find](const TChildRequest& request) {
+        journal.requests << request;
+        return new TTestChild(journal, title, tag, find);
+    };
+}
+
+QAction* action(TFormMain& form, const char* name) {
+    return form.findChild<QAction*>(QLatin1String(name));
+}
+
+bool enabled(TFormMain& form, const char* name) {
+    return action(form, name)->isEnabled();
+}
+
+QStringList entryTexts(const TFormMain& form) {
+    QStringList texts;
+    for (const QAction* entry : form.WindowMenuEntries())
+        texts << entry->text() + (entry->isChecked() ? QStringLiteral("*") : QString());
+    return texts;
+}
+
+} // namespace
+
+class TestFrameRoutes : public QObject {
+    Q_OBJECT
+    std::unique_ptr<FrameFixture> m_fixture;
+    Journal m_journal;
+    Journal m_diary; ///< the diary's, beside the diets'
+
+    TFormMain& frame() { return *m_fixture->form; }
+
+private slots:
+    void init() {
+        m_journal = Journal();
+        m_diary = Journal();
+        m_fixture = std::make_unique<FrameFixture>();
+        m_fixture->create();
+    }
+    void cleanup() { m_fixture.reset(); }
+
+    void commandsStayDisabledUntilTheirWindowExists() {
+        TFormMain& form = frame();
+        QVERIFY(!enabled(form, "MIUnits"));
+        QVERIFY(!enabled(form, "ToolButtonUnits"));
+        QVERIFY(!form.OutlookBar()->ItemEnabled(0, 4));
+        QVERIFY(!enabled(form, "MIRepair"));
+        form.Toggle(QStringLiteral("Units"), true);
+        QCOMPARE(form.ChildWindow(QStringLiteral("Units")), nullptr);
+        QVERIFY(enabled(form, "MIOptions")); // the frame's own dialog
+
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        QVERIFY(enabled(form, "MIUnits"));
+        QVERIFY(enabled(form, "ToolButtonUnits"));
+        QVERIFY(form.OutlookBar()->ItemEnabled(0, 4));
+        int repaired = 0;
+        form.RegisterCommand(QStringLiteral("MIRepair"), [&] { ++repaired; });
+        action(form, "MIRepair")->trigger();
+        QCOMPARE(repaired, 1);
+        QVERIFY_THROWS_EXCEPTION(std::invalid_argument, form.RegisterChild(QStringLiteral("Options"), {}));
+        QVERIFY_THROWS_EXCEPTION(std::invalid_argument, form.RegisterCommand(QStringLiteral("MIUnits"), {}));
+    }
+
+    void theToolButtonIsARealToggleAndOnlyCloseStoresGeometry() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        QAction* button = action(form, "ToolButtonUnits");
+
+        button->trigger(); // down: open
+        QPointer<QWidget> first = qobject_cast<QWidget*>(form.ChildWindow(QStringLiteral("Units")));
+        QVERIFY(first);
+        QVERIFY(button->isChecked());
+        QCOMPARE(entryTexts(form), QStringList{"Units*"});
+        QCOMPARE(form.ActiveChild(), first.data());
+        first->parentWidget()->resize(333, 222);
+
+        button->trigger(); // up: the window goes without its close handler
+        flushDeletes();
+        QVERIFY(!first);
+        QVERIFY(!button->isChecked());
+        QCOMPARE(form.ChildWindow(QStringLiteral("Units")), nullptr);
+        QVERIFY(form.WindowMenuEntries().isEmpty());
+        QVERIFY(m_journal.events.contains("Units release"));
+        QVERIFY(!m_journal.events.contains("Units close"));
+        QVERIFY(!m_fixture->stored(QStringLiteral("UnitSizeWidth")).isValid());
+
+        action(form, "MIUnits")->trigger(); // the menu only opens
+        action(form, "MIUnits")->trigger();
+        QCOMPARE(m_journal.created, 2);
+        QPointer<QWidget> second = qobject_cast<QWidget*>(form.ChildWindow(QStringLiteral("Units")));
+        QVERIFY(button->isChecked());
+        const int width = second->width();
+        form.CloseChild(second); // as the close box: FormClose, then the toggle
+        flushDeletes();
+        QVERIFY(!second);
+        QVERIFY(!button->isChecked());
+        QVERIFY(form.WindowMenuEntries().isEmpty());
+        QCOMPARE(m_fixture->stored(QStringLiteral("UnitSizeWidth")).toInt(), width);
+        QCOMPARE(m_journal.events.filter(QStringLiteral("close")), QStringList{"Units close"});
+    }
+
+    void windowMenuFollowsTheChildren() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        form.RegisterChild(QStringLiteral("Menus"), factory(m_journal, QStringLiteral("Menus")));
+        form.OutlookBar()->ClickItem(0, 4);
+        form.OutlookBar()->ClickItem(0, 2);
+        QCOMPARE(entryTexts(form), QStringList({"Units", "Menus*"}));
+        QWidget* units = qobject_cast<QWidget*>(form.ChildWindow(QStringLiteral("Units")));
+        QWidget* menus = qobject_cast<QWidget*>(form.ChildWindow(QStringLiteral("Menus")));
+        QCOMPARE(form.ActiveChild(), menus);
+
+        form.WindowMenuItemsClick(form.WindowMenuEntries().at(0));
+        QCOMPARE(entryTexts(form), QStringList({"Units*", "Menus"}));
+        QCOMPARE(form.ActiveChild(), units);
+        // The entry follows the window's caption, as translation changes it.
+        units->setWindowTitle(QStringLiteral("Einheiten"));
+        QCOMPARE(entryTexts(form), QStringList({"Einheiten*", "Menus"}));
+
+        form.Toggle(QStringLiteral("Units"), false);
+        QCOMPARE(entryTexts(form).size(), 1);
+        QVERIFY(entryTexts(form).at(0).startsWith(QLatin1String("Menus")));
+        QCOMPARE(form.ActiveChild(), menus);
+    }
+
+    void dietsDecideByTheDiaryPointer() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("UserDiary"), factory(m_diary, QStringLiteral("Diary")));
+        form.RegisterChild(QStringLiteral("Diets"), factory(m_journal, QStringLiteral("Diets")));
+
+        // Diary closed: every opening makes a new Diets window.
+        form.Toggle(QStringLiteral("Diets"), true);
+        QWidget* first = qobject_cast<QWidget*>(form.ChildWindow(QStringLiteral("Diets")));
+        form.Toggle(QStringLiteral("Diets"), true);
+        QWidget* second = qobject_cast<QWidget*>(form.ChildWindow(QStringLiteral("Diets")));
+        QCOMPARE(m_journal.created, 2);
+        QVERIFY(first != second);
+        QCOMPARE(entryTexts(form), QStringList({"Diets", "Diets*"}));
+
+        // Diary open: no Diets window is made; the open one is shown.
+        form.Toggle(QStringLiteral("UserDiary"), true);
+        form.Toggle(QStringLiteral("Diets"), true);
+        QCOMPARE(m_journal.created, 2);
+        QCOMPARE(form.ActiveChild(), second);
+
+        // Diary open and no Diets window: the empty pointer is shown, which fails.
+        form.Toggle(QStringLiteral("Diets"), false);
+        QCOMPARE(form.ChildWindow(QStringLiteral("Diets")), nullptr);
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, form.Toggle(QStringLiteral("Diets"), true));
+        QCOMPARE(m_journal.created, 2);
+        QCOMPARE(m_diary.created, 1);
+    }
+
+    void aShortcutReplacesTheOpenWindowAndLeavesItsEntry() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Recipes"), factory(m_journal, QStringLiteral("Recipes")));
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+
+        form.OpenShortcut(QStringLiteral("Recipes"), QStringLiteral("SELECT 1"), QStringLiteral("Soups"));
+        QPointer<QWidget> first = qobject_cast<QWidget*>(form.ChildWindow(QStringLiteral("Recipes")));
+        QCOMPARE(m_journal.requests.size(), 1);
+        QCOMPARE(m_journal.requests.at(0).Definition, QStringLiteral("SELECT 1"));
+        QCOMPARE(m_journal.requests.at(0).Name, QStringLiteral("Soups"));
+        QCOMPARE(form.Route(QStringLiteral("Recipes"))->PendingDefinition, QString());
+
+        // Without a definition the open window is only shown.
+        form.Toggle(QStringLiteral("Recipes"), true);
+        QCOMPARE(m_journal.created, 1);
+
+        form.OpenShortcut(QStringLiteral("Recipes"), QStringLiteral("SELECT 2"), QStringLiteral("Cakes"));
+        flushDeletes();
+        QVERIFY(!first);
+        QCOMPARE(m_journal.created, 2);
+        QCOMPARE(m_journal.requests.at(1).Definition, QStringLiteral("SELECT 2"));
+        QVERIFY(!m_journal.events.contains("Recipes release")); // destroyed, not released
+        QCOMPARE(entryTexts(form), QStringList({"Recipes", "Recipes*"}));
+        // The entry left behind has no window any more; clicking it shows nothing.
+        form.WindowMenuItemsClick(form.WindowMenuEntries().at(0));
+        QCOMPARE(entryTexts(form), QStringList({"Recipes*", "Recipes"}));
+
+        // A route without the longer toggle keeps its window.
+        form.Toggle(QStringLiteral("Units"), true);
+        form.OpenShortcut(QStringLiteral("Units"), QStringLiteral("SELECT 3"), QString());
+        QCOMPARE(m_journal.created, 3);
+    }
+
+    void printAndFindFollowTheActiveChild_data() {
+        QTest::addColumn<int>("tag");
+        QTest::addColumn<bool>("find");
+        QTest::newRow("prints and finds") << 1 << true;
+        QTest::newRow("finds only") << 0 << true;
+        QTest::newRow("prints only") << 1 << false;
+        QTest::newRow("neither") << 2 << false;
+    }
+
+    void printAndFindFollowTheActiveChild() {
+        QFETCH(int, tag);
+        QFETCH(bool, find);
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units"), tag, find));
+        QVERIFY(!enabled(form, "MIPrint"));
+        QVERIFY(!enabled(form, "MIFind"));
+        action(form, "ToolButtonUnits")->trigger();
+        QCOMPARE(enabled(form, "MIPrint"), tag == 1);
+        QCOMPARE(enabled(form, "ToolButtonPrint"), tag == 1);
+        QCOMPARE(enabled(form, "MIFind"), find);
+        QCOMPARE(enabled(form, "MIFindNext"), find);
+        QCOMPARE(enabled(form, "ToolButtonQuickSearch"), find);
+        QCOMPARE(enabled(form, "ToolButtonQuickSearchNext"), find);
+
+        action(form, "MIPrint")->trigger();
+        auto* search = form.findChild<QLineEdit*>(QStringLiteral("EditQuickSearch"));
+        search->setText(QStringLiteral("soup"));
+        QTest::keyClick(search, Qt::Key_Return); // presses ToolButtonQuickSearch
+        action(form, "ToolButtonQuickSearchNext")->trigger();
+        QStringList expected;
+        if (tag == 1)
+            expected << "Units print";
+        if (find)
+            expected << "Units find 0 soup"
+                     << "Units find 1 soup";
+        QCOMPARE(m_journal.events.filter(QRegularExpression("print|find")), expected);
+
+        // The last child closed: nothing is left to print or search.
+        form.CloseChild(form.ChildWindow(QStringLiteral("Units")));
+        for (const char* name :
+             {"MIPrint", "MIFind", "MIFindNext", "ToolButtonQuickSearch", "ToolButtonPrint"})
+            QVERIFY2(!enabled(form, name), name);
+    }
+
+    void findStaysWhileTheQuickSearchBoxHasTheFocus() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        form.Toggle(QStringLiteral("Units"), true);
+        auto* search = form.findChild<QLineEdit*>(QStringLiteral("EditQuickSearch"));
+        form.findChild<QToolBar*>(QStringLiteral("ToolBarQuickSearch"))->show();
+        search->setFocus();
+        QVERIFY(search->hasFocus());
+        // Typing into the box leaves the child served.
+        QCOMPARE(form.ActiveChild(), form.ChildWindow(QStringLiteral("Units")));
+        QTest::keyClicks(search, QStringLiteral("egg"));
+        QTest::keyClick(search, Qt::Key_Return);
+        QVERIFY(m_journal.events.contains("Units find 0 egg"));
+
+        form.Toggle(QStringLiteral("Units"), false);
+        QVERIFY(!enabled(form, "MIPrint"));
+        QVERIFY(enabled(form, "MIFind"));
+        QVERIFY(enabled(form, "MIFindNext"));
+        // With no child, the enabled command reaches nobody.
+        m_journal.events.clear();
+        QTest::keyClick(search, Qt::Key_Return);
+        QVERIFY(m_journal.events.isEmpty());
+    }
+
+    void activationSetsStatusAndWindowButtons() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Recipes"), factory(m_journal, QStringLiteral("Recipes")));
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units"), 1, false));
+        auto* count = form.findChild<QLabel*>(QStringLiteral("StatusBarPanel1"));
+        QAction* recalculate = action(form, "ToolButtonRecalculate");
+        QVERIFY(!recalculate->isEnabled());
+        recalculate->trigger(); // no window: nothing
+        QVERIFY(m_journal.events.isEmpty());
+
+        form.Toggle(QStringLiteral("Recipes"), true);
+        QCOMPARE(count->text(), QStringLiteral("Recipes: 3"));
+        QVERIFY(recalculate->isEnabled());
+        recalculate->trigger();
+        QVERIFY(m_journal.events.contains("Recipes recalculate"));
+
+        form.Toggle(QStringLiteral("Units"), true);
+        QCOMPARE(count->text(), QStringLiteral("Units: 3"));
+        QVERIFY(m_journal.events.contains("Recipes deactivate"));
+        QVERIFY(!enabled(form, "MIFind")); // Units doesn't search
+
+        form.Toggle(QStringLiteral("Units"), false);
+        form.Toggle(QStringLiteral("Recipes"), false);
+        QCOMPARE(count->text(), QString());
+        QCOMPARE(m_journal.events.filter("Recipes").last(), QStringLiteral("Recipes release"));
+    }
+
+    void userButtonsNeedAnActiveUser() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("UserDiary"), factory(m_journal, QStringLiteral("Diary")));
+        form.RegisterChild(QStringLiteral("Diets"), factory(m_journal, QStringLiteral("Diets")));
+        QVERIFY(enabled(form, "ToolButtonUsersDiary")); // ActiveUserId is 1 by default
+        FormResourceHolder->VintraOptions.SetAsInteger(QStringLiteral("ActiveUserId"), 0);
+        form.UpdateUserButtons();
+        QVERIFY(!enabled(form, "ToolButtonUsersDiary"));
+        QVERIFY(!enabled(form, "ToolButtonDiets"));
+        QVERIFY(enabled(form, "MIUsersDiary"));
+        QVERIFY(action(form, "MIDiets")->isVisible());
+        QVERIFY(enabled(form, "MIDiets"));
+        FormResourceHolder->VintraOptions.SetAsInteger(QStringLiteral("ActiveUserId"), 4);
+        form.UpdateUserButtons();
+        QVERIFY(enabled(form, "ToolButtonDiets"));
+    }
+
+    void childrenCloseLastToFirstWhenTheFrameCloses() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        form.RegisterChild(QStringLiteral("Menus"), factory(m_journal, QStringLiteral("Menus")));
+        form.RegisterChild(QStringLiteral("Calendar"), factory(m_journal, QStringLiteral("Calendar")));
+        form.Toggle(QStringLiteral("Menus"), true);
+        form.Toggle(QStringLiteral("Calendar"), true);
+        form.Toggle(QStringLiteral("Units"), true);
+        TScriptedPresenter presenter;
+        presenter.answers << mrYes;
+        QVERIFY(form.close());
+        QCOMPARE(m_journal.events.filter(" close"),
+                 QStringList({"Units close", "Calendar close", "Menus close"}));
+        QVERIFY(!action(form, "ToolButtonMenus")->isChecked());
+    }
+
+    void editCommandsActOnTheFocusedEdit() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        form.Toggle(QStringLiteral("Units"), true);
+        auto* child = qobject_cast<TTestChild*>(form.ChildWindow(QStringLiteral("Units")));
+        QGuiApplication::clipboard()->clear();
+        child->edit->setFocus();
+        child->edit->deselect();
+        QVERIFY(!enabled(form, "MICopy"));
+        QVERIFY(!enabled(form, "MIPaste"));
+        child->edit->setSelection(0, 4);
+        QVERIFY(enabled(form, "MICut"));
+        QVERIFY(enabled(form, "ToolButtonCopy"));
+        action(form, "ToolButtonCut")->trigger();
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("some"));
+        QCOMPARE(child->edit->text(), QStringLiteral(" words"));
+        QVERIFY(enabled(form, "MIPaste"));
+        child->edit->setReadOnly(true);
+        child->edit->selectAll();
+        QVERIFY(!enabled(form, "MICut"));
+        QVERIFY(enabled(form, "MICopy"));
+    }
+
+    void theNavigatorActsOnTheFocusedGridsDataset() {
+        TFormMain& form = frame();
+        qm::Dataset units;
+        units.SetDatabase(&DataModuleMain->KADaoDatabase);
+        units.SetSql(QStringLiteral("SELECT unitId, unitName FROM Units WHERE unitId <= 3 ORDER BY unitId"));
+        units.SetTableName(QStringLiteral("Units"));
+        units.SetReadOnly(false);
+        units.Open();
+        QCOMPARE(units.RecordCount(), 3);
+        TTestGrid* provided = nullptr;
+        QTableView* plain = nullptr;
+        qm::DatasetModel model(&units);
+        form.RegisterChild(QStringLiteral("Units"), [&](const TChildRequest&) {
+            auto* child = new TTestChild(m_journal, QStringLiteral("Units"), 1, true);
+            provided = new TTestGrid(child);
+            provided->dataset = &units;
+            plain = new QTableView(child);
+            plain->setModel(&model);
+            child->layout()->addWidget(provided);
+            child->layout()->addWidget(plain);
+            return child;
+        });
+        form.Toggle(QStringLiteral("Units"), true);
+
+        const auto states = [&] {
+            QString text;
+            for (const char* name : {"ToolButtonFirst", "ToolButtonPrior", "ToolButtonNext", "ToolButtonLast",
+                                     "ToolButtonInsert", "ToolButtonDelete", "ToolButtonEdit",
+                                     "ToolButtonPost", "ToolButtonCancel", "ToolButtonRefresh"})
+                text += enabled(form, name) ? QLatin1Char('1') : QLatin1Char('0');
+            return text;
+        };
+        QCOMPARE(states(), QStringLiteral("0000000000")); // the edit has the focus
+        provided->setFocus();
+        QCOMPARE(states(), QStringLiteral("0011111001")); // at the first record
+        action(form, "ToolButtonNext")->trigger();
+        QCOMPARE(units.FieldByName(QStringLiteral("unitId")).AsInteger(), 2);
+        QCOMPARE(states(), QStringLiteral("1111111001"));
+        action(form, "ToolButtonLast")->trigger();
+        QCOMPARE(units.FieldByName(QStringLiteral("unitId")).AsInteger(), 3);
+        QCOMPARE(states(), QStringLiteral("1100111001"));
+        action(form, "ToolButtonEdit")->trigger();
+        QCOMPARE(units.State(), qm::dsEdit);
+        QCOMPARE(states(), QStringLiteral("1100110111"));
+        units.FieldByName(QStringLiteral("unitName")).SetAsString(QStringLiteral("changed"));
+        action(form, "ToolButtonCancel")->trigger();
+        QCOMPARE(units.State(), qm::dsBrowse);
+        QCOMPARE(units.FieldByName(QStringLiteral("unitName")).AsString(), QStringLiteral("milligram"));
+        action(form, "ToolButtonFirst")->trigger();
+        QCOMPARE(units.FieldByName(QStringLiteral("unitId")).AsInteger(), 1);
+
+        // A grid over a dataset model is found without telling.
+        plain->setFocus();
+        QCOMPARE(states(), QStringLiteral("0011111001"));
+        units.SetReadOnly(true);
+        action(form, "ToolButtonRefresh")->trigger(); // reread: no longer at the start
+        QCOMPARE(states(), QStringLiteral("1111000001"));
+
+        // Outside the child the navigator has nothing to act on.
+        form.findChild<QLineEdit*>(QStringLiteral("EditQuickSearch"))->setFocus();
+        QCOMPARE(states(), QStringLiteral("0000000000"));
+        // The window goes before the dataset and model it shows.
+        form.Toggle(QStringLiteral("Units"), false);
+        flushDeletes();
+    }
+
+    void theBackgroundTakesColourAndPicture() {
+        TFormMain& form = frame();
+        // 0x00BBGGRR: pure blue.
+        FormResourceHolder->VintraOptions.SetAsInteger(QStringLiteral("ColorMain"), 0xFF0000);
+        FormResourceHolder->VintraOptions.SetAsString(QStringLiteral("BackgroundPictureMain"),
+                                                      m_fixture->dir.path() + QStringLiteral("/missing.jpg"));
+        form.UpdateBackground();
+        QCOMPARE(form.MdiArea()->BackgroundColor(), QColor(Qt::blue));
+        QVERIFY(form.MdiArea()->BackgroundPicture().isNull());
+        QImage shown = form.MdiArea()->viewport()->grab().toImage();
+        QCOMPARE(shown.pixelColor(shown.width() / 2, shown.height() / 2), QColor(Qt::blue));
+        QCOMPARE(shown.pixelColor(0, 0), QColor(Qt::blue));
+    }
+};
+
+QTEST_MAIN(TestFrameRoutes)
+#include "test_frame_routes.moc"
