@@ -9,6 +9,7 @@
 #include "shell/ui/mdi_client.h"
 #include "shell/ui/message_box_presenter.h"
 #include "shell/ui/outlook_bar.h"
+#include "shell/ui/shortcut_bar.h"
 #include "shell/ui/widget_translation.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
@@ -565,7 +566,16 @@ void TFormMain::AddBarPages() {
     m_outlookBar->AddItem(2, tr("Users Management"), qm::FrameIcon(QStringLiteral("users")));
     m_outlookBar->AddItem(2, tr("Diary"), qm::FrameIcon(QStringLiteral("diary")));
     m_outlookBar->AddItem(2, tr("Diets"), qm::FrameIcon(QStringLiteral("diets")));
+    m_shortcutBar = new TShortcutBar(m_outlookBar, this);
+    m_shortcutBar->OpenRoute = [this](const QString& route, const QString& definition, const QString& name) {
+        OpenShortcut(route, definition, name);
+    };
     UpdateRouteCommands();
+}
+
+void TFormMain::ReloadShortcuts() {
+    if (m_shortcutBar)
+        m_shortcutBar->Load();
 }
 
 void TFormMain::BuildRoutes() {
@@ -632,6 +642,7 @@ void TFormMain::FormShow() {
     AddBarPages();
     m_translator.SetDictionary(&m_holder->VintraDictionary);
     m_translator.Translate();
+    ReloadShortcuts();
     m_outlookBar->SetSmallIcons(options().GetAsBoolean(QStringLiteral("OutlookBarSmallIcons")));
     // 10. A database that can't be used closes the frame without the question.
     if (!m_dataModule->databaseUsable) {
@@ -1061,6 +1072,11 @@ void TFormMain::ChildClosed(QMdiSubWindow* sub, const QString& route) {
 
 void TFormMain::OutlookBarMainItemClick(int page, int item) {
     // Page 1 holds the shortcuts, which open through their own handler.
+    if (page == TShortcutBar::ShortcutPage) {
+        if (m_shortcutBar)
+            m_shortcutBar->ItemClick(item);
+        return;
+    }
     for (const TChildRoute& route : m_routes)
         if (route.BarPage == page && route.BarItem == item) {
             Toggle(route.Name, true);

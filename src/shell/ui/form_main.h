@@ -22,6 +22,7 @@ class TFormResourceHolder;
 class TMdiClient;
 class TMessageBoxPresenter;
 class TOutlookBar;
+class TShortcutBar;
 struct TAppPaths;
 namespace qm {
 class Dataset;
@@ -143,6 +144,9 @@ public:
 
     TMdiClient* MdiArea() const { return m_mdiArea; }
     TOutlookBar* OutlookBar() const { return m_outlookBar; }
+    TShortcutBar* ShortcutBar() const { return m_shortcutBar; }
+    /// Rebuilds page 1 of the bar from the Shortcuts table (after a search is saved).
+    void ReloadShortcuts();
     TVintraTranslator& Translator() { return m_translator; }
     bool closeWithoutConfirmation = false;
 
@@ -192,6 +196,7 @@ private:
     TVintraTranslator m_translator;
     TMdiClient* m_mdiArea = nullptr;
     TOutlookBar* m_outlookBar = nullptr;
+    TShortcutBar* m_shortcutBar = nullptr;
     QLabel* m_statusHint = nullptr;
     QLabel* m_statusCount = nullptr;
     QLineEdit* m_editQuickSearch = nullptr;
