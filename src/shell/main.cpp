@@ -2,12 +2,13 @@
 #include "components/database.h"
 #include "shell/app_paths.h"
 #include "shell/single_instance.h"
+#include "shell/ui/form_about.h"
 #include "shell/ui/form_main.h"
 #include "shell/ui/message_box_presenter.h"
+#include "shell/ui/window_registry.h"
 
 #include <QApplication>
 #include <QFileInfo>
-#include <QPainter>
 #include <QSplashScreen>
 #include <QThread>
 #include <QTimer>
@@ -28,24 +29,6 @@ public:
         return false;
     }
 };
-
-QPixmap splashPicture() {
-    QPixmap picture(420, 220);
-    picture.fill(QColor(0xF4, 0xEC, 0xDC));
-    QPainter painter(&picture);
-    painter.setPen(QColor(0x6B, 0x3E, 0x1F));
-    QFont font = painter.font();
-    font.setPointSize(26);
-    font.setBold(true);
-    painter.setFont(font);
-    painter.drawText(picture.rect().adjusted(0, -30, 0, 0), Qt::AlignCenter, QStringLiteral("Quillmeal Plus"));
-    font.setPointSize(10);
-    font.setBold(false);
-    painter.setFont(font);
-    painter.drawText(picture.rect().adjusted(0, 60, 0, 0), Qt::AlignCenter,
-                     QStringLiteral("Recipes, menus and diets for your household"));
-    return picture;
-}
 
 } // namespace
 
@@ -79,6 +62,7 @@ int main(int argc, char** argv) {
     app.processEvents();
 
     TFormMain form(paths);
+    RegisterWindows(form);
     try {
         if (!form.FormCreate()) {
             if (!form.DatabaseDeclined()) {

@@ -1,6 +1,7 @@
 #include "store/ui/record_window.h"
 
 #include "components/messages.h"
+#include "components/vintra_translator.h"
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
 #include "store/data_module_main.h"
@@ -384,6 +385,11 @@ void TRecordWindow::RestoreLayout() {
         qm::ReadWindowLayout(m_kind.optionPrefix, m_kind.hasSplitterVertical && m_kind.HasTree(),
                              m_kind.hasSplitterHorizontal, m_kind.columns, fields);
     QWidget* target = LayoutTarget();
+    // The window's minimum is that of its frame, as the sizes restored here are the frame's.
+    if (target != this && !minimumSize().isNull()) {
+        target->setMinimumSize(target->minimumSize().expandedTo(minimumSize()));
+        setMinimumSize(0, 0);
+    }
     if (layout.maximized) {
         target->setWindowState(Qt::WindowMaximized);
     } else {
@@ -443,6 +449,11 @@ void TRecordWindow::SplitterMoved(QSplitter* splitter) {
 }
 
 void TRecordWindow::FormShow() {
+    // Translation first, then geometry: each window takes the language in force at its show.
+    TVintraTranslator translator(this);
+    if (FormResourceHolder)
+        translator.SetDictionary(&FormResourceHolder->VintraDictionary);
+    translator.Translate();
     RestoreLayout();
     if (!m_kind.HasTree()) {
         Guarded([this] { m_recordTable.Open(); });

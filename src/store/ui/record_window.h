@@ -84,7 +84,9 @@ public:
     void TreeDragDrop(int key);
     /// Shows the record: its group in the tree first (which refilters the table), then the record.
     bool LocateRecord(int id);
-    void UpdateStatus();
+    /// Counts the current group for the status bar; a window that shows no group's records (a
+    /// saved search) puts its own text there.
+    virtual void UpdateStatus();
 
 protected:
     // --- hooks of a concrete window ---

@@ -6,6 +6,7 @@
 #include "shell/ui/form_options.h"
 #include "shell/ui/outlook_bar.h"
 #include "shell/ui/widget_translation.h"
+#include "store/data_module_main.h"
 
 #include <QAction>
 #include <QGroupBox>
@@ -275,13 +276,16 @@ private slots:
         TOutlookBar* bar = form.OutlookBar();
         QCOMPARE(bar->PageCount(), 3);
         QCOMPARE(bar->ItemCount(0), 7);
-        QCOMPARE(bar->ItemCount(1), 0);
         QCOMPARE(bar->ItemCount(2), 3);
+        // Page 1 holds the delivered shortcuts, loaded after the translation: user data, untranslated.
+        QCOMPARE(bar->ItemCount(1), 2);
+        QCOMPARE(bar->ItemCaption(1, 0),
+                 DataModuleMain->KADaoDatabase.scalar("SELECT shortcutName FROM Shortcuts WHERE shortcutId = 1").toString());
         for (int page = 0; page < 3; ++page) {
             const QString key = QStringLiteral("OutlookBarMain.") + QString::number(page);
             QVERIFY(!dictionary.GetText(key, {}).isEmpty());
             QCOMPARE(bar->PageCaption(page), dictionary.GetText(key, {}));
-            for (int item = 0; item < bar->ItemCount(page); ++item)
+            for (int item = 0; page != 1 && item < bar->ItemCount(page); ++item)
                 QCOMPARE(bar->ItemCaption(page, item),
                          dictionary.GetText(key + QLatin1Char('.') + QString::number(item), {}));
         }

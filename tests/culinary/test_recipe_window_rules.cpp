@@ -1,0 +1,237 @@
+// The rules behind the recipes window and its dialogs, on a dataset over a fresh database: the
+// recalculation of the current record, the scaled amount, the post checks, the ingredient
+// choice statement and the category delete.
+#include "test_store.h"
+
+#include "components/dataset.h"
+#include "components/messages.h"
+#include "culinary/category_rules.h"
+#include "culinary/recipe_window_rules.h"
+
+#include <QTest>
+#include <stdexcept>
+
+namespace {
+
+void seedWorkedExample(TestStore& store) {
+    store.exec(
+        {"INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
+         "( 1, 'gram', 'g', 'g', 1, 1 ), ( 9, 'cup', 'cup', 'c', 2, NULL ), "
+         "( 19, 'piece', 'pc', 'ea', 2, NULL )",
+         "INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal ) VALUES "
+         "( 1, 'Flour', 1, 350 ), ( 2, 'Milk', 9, 50 ), ( 3, 'Cook''s salt', 1, 0 )",
+         "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 9, 2, 240 )",
+         "INSERT INTO Recipes ( recId, recGroupId, recName, recServings, recFreeForm, nutCal ) VALUES "
+         "( 100001, 1, 'Batter', 4, 0, 17 ), ( 100002, 1, 'Notes', 4, 1, 99 )",
+         "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES "
+         "( 100001, 1, 200, 1 ), ( 100001, 2, 2, 9 )"});
+}
+
+double stored(TestStore& store, const char* column, int recId) {
+    return store.db()
+        .scalar(QStringLiteral("SELECT %1 FROM Recipes WHERE recId = %2").arg(column).arg(recId))
+        .toDouble();
+}
+
+} // namespace
+
+class TestRecipeWindowRules : public QObject {
+    Q_OBJECT
+
+private slots:
+    // The current record takes the per-serving values and stays unposted; the file keeps the old
+    // ones until the post.
+    void recalculationWritesTheCurrentRecordOnly() {
+        TestStore store;
+        seedWorkedExample(store);
+        qm::Dataset table;
+        table.SetDatabase(&store.db());
+        table.SetTableName("Recipes");
+        table.Open();
+        QVERIFY(table.Locate("recId", 100001));
+        RecalculateNutrients(table);
+        QCOMPARE(table.State(), qm::dsEdit);
+        QCOMPARE(table.FieldByName("nutCal").AsFloat(), 235.0);
+        QCOMPARE(table.FieldByName("nutCalcium").AsFloat(), 0.0);
+        QCOMPARE(stored(store, "nutCal", 100001), 17.0);
+        QVERIFY(table.Post());
+        QCOMPARE(stored(store, "nutCal", 100001), 235.0);
+
+        // A free-form record is left as typed, not even put into edit state.
+        QVERIFY(table.Locate("recId", 100002));
+        RecalculateNutrients(table);
+        QCOMPARE(table.State(), qm::dsBrowse);
+        QCOMPARE(table.FieldByName("nutCal").AsFloat(), 99.0);
+    }
+
+    // Zero servings: the division error leaves before any field is written.
+    void zeroServingsKeepsTheValues() {
+        TestStore store;
+        seedWorkedExample(store);
+        qm::Dataset table;
+        table.SetDatabase(&store.db());
+        table.SetTableName("Recipes");
+        table.Open();
+        QVERIFY(table.Locate("recId", 100001));
+        QVERIFY(table.Edit());
+        table.FieldByName("recServings").SetValue(0);
+        QVERIFY_THROWS_EXCEPTION(std::domain_error, RecalculateNutrients(table));
+        QCOMPARE(table.FieldByName("nutCal").AsFloat(), 17.0);
+        // Without lines the error is the invalid operation, 0 / 0.
+        store.exec({"DELETE FROM Contents"});
+        try {
+            RecalculateNutrients(table);
+            QFAIL("no error");
+        } catch (const std::domain_error& e) {
+            QCOMPARE(QString::fromUtf8(e.what()), QStringLiteral("Invalid floating point operation"));
+        }
+        // A recipe without lines goes to 0 once it has servings.
+        table.FieldByName("recServings").SetValue(2);
+        RecalculateNutrients(table);
+        QCOMPARE(table.FieldByName("nutCal").AsFloat(), 0.0);
+    }
+
+    void calcAmount_data() {
+        QTest::addColumn<QVariant>("amount");
+        QTest::addColumn<QVariant>("servings");
+        QTest::addColumn<QVariant>("freeForm");
+        QTest::addColumn<QString>("newServings");
+        QTest::addColumn<QVariant>("expected");
+        QTest::newRow("scaled up") << QVariant(200.0) << QVariant(4) << QVariant(false) << "6"
+                                   << QVariant(300.0);
+        // Divided first, then multiplied: 1 / 3 * 3 is not exactly 1.
+        QTest::newRow("order of the operations")
+            << QVariant(1.0) << QVariant(3) << QVariant(false) << "3" << QVariant(1.0 / 3 * 3);
+        QTest::newRow("abc") << QVariant(200.0) << QVariant(4) << QVariant(false) << "abc" << QVariant();
+        QTest::newRow("zero") << QVariant(200.0) << QVariant(4) << QVariant(false) << "0" << QVariant();
+        QTest::newRow("negative") << QVariant(200.0) << QVariant(4) << QVariant(false) << "-2" << QVariant();
+        QTest::newRow("empty") << QVariant(200.0) << QVariant(4) << QVariant(false) << "" << QVariant();
+        QTest::newRow("decimal text")
+            << QVariant(200.0) << QVariant(4) << QVariant(false) << "2.5" << QVariant();
+        QTest::newRow("free-form") << QVariant(200.0) << QVariant(4) << QVariant(true) << "2" << QVariant();
+        QTest::newRow("null flag") << QVariant(200.0) << QVariant(4) << QVariant() << "2" << QVariant();
+        QTest::newRow("no servings") << QVariant(200.0) << QVariant(0) << QVariant(false) << "2"
+                                     << QVariant();
+    }
+    void calcAmount() {
+        QFETCH(QVariant, amount);
+        QFETCH(QVariant, servings);
+        QFETCH(QVariant, freeForm);
+        QFETCH(QString, newServings);
+        QFETCH(QVariant, expected);
+        const QVariant result = CalcAmount(amount, servings, freeForm, newServings);
+        QCOMPARE(result.isValid(), expected.isValid());
+        if (expected.isValid())
+            QCOMPARE(result.toDouble(), expected.toDouble());
+    }
+
+    void checks_data() {
+        QTest::addColumn<QVariant>("name");
+        QTest::addColumn<QVariant>("time");
+        QTest::addColumn<QVariant>("servings");
+        QTest::addColumn<QString>("errors");
+        QTest::newRow("all good") << QVariant("Soup") << QVariant(10) << QVariant(2) << "";
+        QTest::newRow("null time and zero servings pass")
+            << QVariant("Soup") << QVariant() << QVariant(0) << "";
+        QTest::newRow("all three")
+            << QVariant() << QVariant(-1) << QVariant()
+            << "Please fill in the recipe name.\nThe preparation time must be a positive whole number.\n"
+               "Please fill in the servings.";
+        QTest::newRow("zero time passes")
+            << QVariant("Soup") << QVariant(0) << QVariant() << "Please fill in the servings.";
+    }
+    void checks() {
+        QFETCH(QVariant, name);
+        QFETCH(QVariant, time);
+        QFETCH(QVariant, servings);
+        QFETCH(QString, errors);
+        TestStore store;
+        store.holder().VintraDictionary.SetFileName(QStringLiteral(QM_SOURCE_DATA "/Languages/English.xml"));
+        qm::Dataset table;
+        table.SetDatabase(&store.db());
+        table.SetTableName("Recipes");
+        table.Open();
+        QVERIFY(table.Insert());
+        table.FieldByName("recName").SetValue(name);
+        table.FieldByName("recTime").SetValue(time);
+        table.FieldByName("recServings").SetValue(servings);
+        QString text;
+        CheckRecipe(table, text);
+        QCOMPARE(text, errors);
+    }
+
+    // The name condition with an apostrophe becomes a concatenation the engine accepts; the type
+    // condition is a parameter.
+    void ingredientChoiceWithApostrophe() {
+        TestStore store;
+        seedWorkedExample(store);
+        const QString sql = IngredientChoiceStatement("k's", 0);
+        QVERIFY(sql.contains("LIKE '*k' || CHR( 39 ) || 's*'"));
+        qm::SqlRows rows = store.db().select(sql);
+        QCOMPARE(rows.rows.size(), 1);
+        QCOMPARE(rows.value(0, "ingredName").toString(), QStringLiteral("Cook's salt"));
+        store.exec({"UPDATE Ingreds SET ingredTypeId = 5 WHERE ingredId IN ( 1, 3 )"});
+        rows = store.db().select(IngredientChoiceStatement("", 5), {{"ingredTypeId", 5}});
+        QCOMPARE(rows.rows.size(), 2);
+        QCOMPARE(IngredientChoiceStatement("", 0),
+                 QStringLiteral("SELECT ingredName, ingredId \nFROM Ingreds \nWHERE 1 = 1"));
+    }
+
+    // Units offered for a line: every unit of fixed weight and those with a conversion.
+    void unitsOffered() {
+        TestStore store;
+        seedWorkedExample(store);
+        const auto names = [&](int ingredId) {
+            QStringList list;
+            const qm::SqlRows rows = store.db().select(RecipeSql::QueryUnitsLookup, {{"ingredId", ingredId}});
+            for (int r = 0; r < rows.rows.size(); ++r)
+                list << rows.value(r, "unitName").toString();
+            return list;
+        };
+        QCOMPARE(names(2), (QStringList{"cup", "gram"}));
+        QCOMPARE(names(1), QStringList{"gram"});
+    }
+
+    // The lines' statements go through %f: six decimals are what stays of an amount.
+    void linesStoreSixDecimals() {
+        TestStore store;
+        seedWorkedExample(store);
+        AddContentsLine(100002, 3, 1.23456789, 1);
+        QCOMPARE(store.db().scalar("SELECT amount FROM Contents WHERE recId = 100002").toDouble(), 1.234568);
+        UpdateContentsLine(100002, 3, 2.5, 9);
+        QCOMPARE(store.db().scalar("SELECT unitId FROM Contents WHERE recId = 100002").toInt(), 9);
+        DeleteContentsLine(100002, 3);
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Contents WHERE recId = 100002").toInt(), 0);
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Contents WHERE recId = 100001").toInt(), 2);
+    }
+
+    // A category in use: the cascade question, and on Yes its assignments go; an unused one gets
+    // the plain question. No option changes either.
+    void categoryDelete() {
+        TestStore store;
+        store.holder().VintraDictionary.SetFileName(QStringLiteral(QM_SOURCE_DATA "/Languages/English.xml"));
+        store.holder().VintraOptions.SetAsBoolean("ConfirmDeletionRecipe", false);
+        store.exec({"INSERT INTO Categories ( catId, catName ) VALUES ( 1, 'Quick' ), ( 2, 'Vegan' )",
+                    "INSERT INTO RecCat ( recId, catId ) VALUES ( 10, 1 ), ( 11, 1 ), ( 10, 2 )"});
+        TScriptedPresenter presenter;
+        presenter.answers = {mrNo};
+        QVERIFY_THROWS_EXCEPTION(Abort, CategoryBeforeDelete(1));
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM RecCat").toInt(), 3);
+        presenter.answers = {mrYes};
+        CategoryBeforeDelete(1);
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM RecCat").toInt(), 1);
+        store.exec({"DELETE FROM RecCat"});
+        presenter.answers = {mrNo};
+        QVERIFY_THROWS_EXCEPTION(Abort, CategoryBeforeDelete(2));
+        presenter.answers = {mrYes};
+        CategoryBeforeDelete(2);
+        QCOMPARE(
+            presenter.texts(TMessagePresenter::Question),
+            (QStringList{GetText("QuestionDeleteCategoryCascade"), GetText("QuestionDeleteCategoryCascade"),
+                         GetText("QuestionDeleteCategory"), GetText("QuestionDeleteCategory")}));
+        QVERIFY(presenter.texts(TMessagePresenter::Question).first().startsWith("Some recipes"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRecipeWindowRules)
+#include "test_recipe_window_rules.moc"

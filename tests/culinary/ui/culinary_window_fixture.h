@@ -1,0 +1,62 @@
+// What the record window tests of this folder share: a frame as the windows see it and a small
+// dictionary of the keys a test looks for.
+#pragma once
+
+#include "test_store.h"
+
+#include "components/mdi_frame.h"
+#include "components/messages.h"
+
+#include <QFile>
+#include <QMap>
+#include <QXmlStreamWriter>
+
+/// The frame as the windows see it: a status panel, the quick search box, enabled commands and
+/// the routes asked for.
+class FakeFrame : public TMdiFrame {
+public:
+    QString status;
+    QString pattern;
+    QMap<QString, bool> commands;
+    QStringList toggled;
+    void SetStatusCount(const QString& text) override { status = text; }
+    QString QuickSearchText() const override { return pattern; }
+    void Toggle(const QString& route, bool show) override {
+        if (show)
+            toggled << route;
+    }
+    QObject* ChildWindow(const QString&) const override { return nullptr; }
+    void CloseChild(QObject*) override {}
+    void SetCommandEnabled(const QString& name, bool enabled) override { commands[name] = enabled; }
+};
+
+/// Installs a dictionary with the given entries for the store's holder.
+inline void WriteDictionary(TestStore& store, const QMap<QString, QString>& entries) {
+    const QString path = store.root() + QStringLiteral("Test.xml");
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    QXmlStreamWriter xml(&file);
+    xml.writeStartDocument();
+    xml.writeStartElement(QStringLiteral("dictionary"));
+    xml.writeAttribute(QStringLiteral("language"), QStringLiteral("Test"));
+    for (auto it = entries.constBegin(); it != entries.constEnd(); ++it) {
+        xml.writeStartElement(QStringLiteral("entry"));
+        xml.writeAttribute(QStringLiteral("key"), it.key());
+        xml.writeCharacters(it.value());
+        xml.writeEndElement();
+    }
+    xml.writeEndDocument();
+    file.close();
+    store.holder().VintraDictionary.SetFileName(path);
+}
+
+/// Messages shown so far as "I:text", "Q:text", "E:text".
+inline QStringList Shown(const TScriptedPresenter& presenter) {
+    QStringList result;
+    for (const auto& [kind, text] : presenter.shown)
+        result << QStringLiteral("%1:%2").arg(kind == TMessagePresenter::Info       ? "I"
+                                              : kind == TMessagePresenter::Question ? "Q"
+                                                                                    : "E",
+                                              text);
+    return result;
+}

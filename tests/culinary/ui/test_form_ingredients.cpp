@@ -1,0 +1,476 @@
+// The ingredients window on a fresh database, shown offscreen: base unit choice, measurements,
+// nutrient notes, pictures on real files, the delete orders, the post checks and the price list.
+#include "culinary_window_fixture.h"
+
+#include "components/ui/vintra_db_grid.h"
+#include "components/ui/vintra_db_tree_view.h"
+#include "components/ui/vintra_pic_holder.h"
+#include "culinary/ui/form_ingredients.h"
+#include "store/ui/picture_pages.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDir>
+#include <QImage>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTest>
+#include <QTextBrowser>
+#include <QToolButton>
+
+namespace {
+
+/// Types 1 Vegetables (carrot, peas), 100001 Pantry (soup base, stock, spice), 100002 Spare (old
+/// jam). Soup base is based on a cup without grams; stock and old jam are in a recipe.
+class IngredientStore : public TestStore {
+public:
+    IngredientStore() {
+        exec(
+            {"INSERT INTO ITypes ( ingredTypeId, ingredTypeName, parentId ) VALUES ( 1, 'Vegetables', 0 ), "
+             "( 100001, 'Pantry', 0 ), ( 100002, 'Spare', 0 )",
+             "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
+             "( 1, 'gram', 'g', 'g', 1, 1 ), ( 2, 'kilogram', 'kg', 'kg', 1, 1000 ), ( 3, 'cup', 'cup', 'c', "
+             "2, "
+             "NULL ), ( 4, 'tablespoon', 'tbsp', 'tb', 2, NULL ), ( 5, 'teaspoon', 'tsp', 'ts', 2, NULL )",
+             "INSERT INTO Ingreds ( ingredId, ingredTypeId, ingredName, unitId, ingredPrice, nutCal ) VALUES "
+             "( 10, 1, 'Carrot', 1, 2, 41 ), ( 11, 1, 'Peas', 2, 4, 81 ), ( 100001, 100001, 'Soup base', 3, "
+             "1, "
+             "NULL ), ( 100002, 100001, 'Stock', 1, 1, NULL ), ( 100004, 100001, 'Spice', 1, 9, NULL ), "
+             "( 100003, 100002, 'Old jam', 1, 1, NULL )",
+             "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 4, 10, 15 ), ( 5, 100002, 5 ), "
+             "( 4, 100004, 3 ), ( 3, 100003, 250 )",
+             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 500, 100002, 1, 1 ), "
+             "( 500, 100003, 2, 1 )",
+             "INSERT INTO BioVals ( bioValueId, bioValueDesc ) VALUES ( 'Calories', '<p>Energy note</p>' ), "
+             "( 'Protein', '<p>Protein note</p>' )",
+             "INSERT INTO PKeys ( keyId, keyValue ) VALUES ( 'Ingreds', 100010 )"});
+        WriteDictionary(*this, {{"ErrorEmptyField", "Missing: %s"},
+                                {"ErrorTooMuchPictures", "Too many pictures"},
+                                {"ErrorGramsMustBePositiveInteger", "Grams!"},
+                                {"InfoLockedIngredDelete", "Ingredient locked"},
+                                {"QuestionDeleteIngredient", "Delete ingredient?"},
+                                {"InfoIngredientReferencedByRecipes", "Ingredient in recipes"},
+                                {"QuestionDeleteIngredientType", "Delete type?"},
+                                {"InfoIngredientTypeContainsIngredients", "Type has ingredients"},
+                                {"StatusIngredientsInCurrentType", "In type:"}});
+        QDir().mkpath(pictures());
+    }
+    QVariant value(const QString& sql) { return db().scalar(sql); }
+    int count(const QString& sql) { return value(sql).toInt(); }
+    TVintraOptions& options() { return holder().VintraOptions; }
+    QString pictures() { return dataModule().PictureFolder(pkIngredient); }
+    /// A small real JPEG of one colour; returns its bytes.
+    QByteArray writePicture(const QString& path, const QColor& colour) {
+        QImage image(24, 16, QImage::Format_RGB32);
+        image.fill(colour);
+        QDir().mkpath(QFileInfo(path).path());
+        if (!image.save(path, "JPG"))
+            qFatal("cannot write %s", qPrintable(path));
+        QFile file(path);
+        file.open(QIODevice::ReadOnly);
+        return file.readAll();
+    }
+    QByteArray read(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+};
+
+QStringList names(qm::Dataset& dataset, const QString& field) {
+    QStringList result;
+    for (int row = 0; row < dataset.RecordCount(); ++row)
+        result << dataset.value(row, dataset.fieldIndex(field)).toString();
+    return result;
+}
+
+QStringList tabCaptions(QTabWidget* tabs) {
+    QStringList result;
+    for (int i = 0; i < tabs->count(); ++i)
+        result << tabs->tabText(i);
+    return result;
+}
+
+} // namespace
+
+class TestFormIngredients : public QObject {
+    Q_OBJECT
+
+    FakeFrame m_frame;
+
+    static std::unique_ptr<TFormIngredients> open() {
+        auto form = std::make_unique<TFormIngredients>();
+        form->show();
+        return form;
+    }
+    template <typename T> static T* child(QObject& form, const char* name) {
+        T* widget = form.findChild<T*>(QString::fromLatin1(name));
+        if (!widget)
+            qFatal("no %s", name);
+        return widget;
+    }
+    static QAction* action(TFormIngredients& form, const char* name) { return child<QAction>(form, name); }
+    static int current(TFormIngredients& form) {
+        return form.RecordTable().FieldByName("ingredId").AsInteger();
+    }
+
+private slots:
+    void init() {
+        m_frame = FakeFrame();
+        MdiFrame = &m_frame;
+    }
+    void cleanup() { MdiFrame = nullptr; }
+
+    // Any weight unit, or a volume unit with grams for this ingredient: a volume base unit without
+    // them is not in the list, though the row keeps it.
+    void baseUnitLookup() {
+        IngredientStore store;
+        auto form = open();
+        auto* box = child<QComboBox>(*form, "DBLookupComboBoxUnit");
+        QVERIFY(form->SelectIngredient(100001));
+        QCOMPARE(form->TreeView()->GetCurrentKey(), 100001);
+        QCOMPARE(names(form->QueryUnitsLookup(), "unitName"), (QStringList{"gram", "kilogram"}));
+        QCOMPARE(box->count(), 2);
+        QCOMPARE(box->currentIndex(), -1);
+        QCOMPARE(form->RecordTable().FieldByName("unitId").AsInteger(), 3);
+        QCOMPARE(form->RecordTable().State(), qm::dsBrowse);
+
+        QVERIFY(form->SelectIngredient(10));
+        QCOMPARE(names(form->QueryUnitsLookup(), "unitName"),
+                 (QStringList{"gram", "kilogram", "tablespoon"}));
+        QCOMPARE(box->currentText(), QStringLiteral("gram"));
+        QTest::keyClick(box, Qt::Key_Down);
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(form->RecordTable().State(), qm::dsEdit);
+        QVERIFY(form->RecordTable().Post());
+        QCOMPARE(store.count("SELECT unitId FROM Ingreds WHERE ingredId = 10"), 4);
+    }
+
+    void measurements() {
+        IngredientStore store;
+        auto form = open();
+        auto* edit = child<QLineEdit>(*form, "EditConversion");
+        auto* add = child<QToolButton>(*form, "SpeedButtonAddUnit");
+        auto* remove = child<QToolButton>(*form, "SpeedButtonRemoveUnit");
+        auto* update = child<QPushButton>(*form, "BitBtnUpdateUnit");
+        QVERIFY(form->SelectIngredient(10));
+        qm::Dataset& out = form->QueryUnitsOut();
+        qm::Dataset& in = form->QueryUnitsIn();
+        QCOMPARE(names(out, "availableUnitName"), (QStringList{"cup", "teaspoon"}));
+        QCOMPARE(names(in, "attachedUnitName"), QStringList{"tablespoon"});
+        // The grams of the current attached unit come into the edit.
+        QCOMPARE(edit->text(), QStringLiteral("15"));
+        QVERIFY(add->isEnabled() && remove->isEnabled() && update->isEnabled());
+        edit->clear();
+        QVERIFY(!update->isEnabled());
+
+        TScriptedPresenter presenter;
+        QVERIFY(out.Locate("availableUnitName", "teaspoon"));
+        QTest::keyClicks(edit, "abc");
+        add->click();
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Convs WHERE ingredId = 10"), 1);
+        edit->setText("4.5");
+        add->click();
+        QCOMPARE(store.value("SELECT grams FROM Convs WHERE ingredId = 10 AND unitId = 5").toDouble(), 4.5);
+        QCOMPARE(names(out, "availableUnitName"), QStringList{"cup"});
+        QCOMPARE(names(in, "attachedUnitName"), (QStringList{"tablespoon", "teaspoon"}));
+
+        // Update takes a float of any sign; text that isn't a number is an error.
+        QVERIFY(in.Locate("attachedUnitName", "teaspoon"));
+        edit->setText("-2");
+        update->click();
+        QCOMPARE(store.value("SELECT grams FROM Convs WHERE ingredId = 10 AND unitId = 5").toDouble(), -2.0);
+        edit->setText("x");
+        update->click();
+        QCOMPARE(Shown(presenter), QStringList{"E:Grams!"});
+
+        // The keys of the lists run the same commands as the buttons.
+        QVERIFY(in.Locate("attachedUnitName", "tablespoon"));
+        QTest::keyClick(child<TVintraDBGrid>(*form, "DBGridUnitsIn"), Qt::Key_Delete);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Convs WHERE ingredId = 10 AND unitId = 4"), 0);
+        QCOMPARE(names(in, "attachedUnitName"), QStringList{"teaspoon"});
+        QCOMPARE(names(out, "availableUnitName"), (QStringList{"cup", "tablespoon"}));
+        QTest::keyClick(child<TVintraDBGrid>(*form, "DBGridUnitsIn"), Qt::Key_Return);
+        QVERIFY(IsDataSetEmpty(in));
+        QVERIFY(!remove->isEnabled());
+        QVERIFY(!update->isEnabled());
+        edit->setText("240");
+        QVERIFY(out.Locate("availableUnitName", "cup"));
+        QTest::keyClick(child<TVintraDBGrid>(*form, "DBGridUnitsOut"), Qt::Key_Return);
+        QCOMPARE(store.value("SELECT grams FROM Convs WHERE ingredId = 10 AND unitId = 3").toDouble(), 240.0);
+        QCOMPARE(presenter.shown.size(), 1);
+        // Other ingredients' rows stay.
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Convs"), 4);
+    }
+
+    void nutrientNoteFollowsFocus() {
+        IngredientStore store;
+        auto form = open();
+        form->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+        QVERIFY(form->SelectIngredient(10));
+        child<QTabWidget>(*form, "PageControlIngredient")->setCurrentIndex(2);
+        auto* note = child<QTextBrowser>(*form, "DBRichEditBioValueNote");
+        auto* calories = child<QLineEdit>(*form, "DBEditCalories");
+        QCOMPARE(calories->text(), QStringLiteral("41"));
+        calories->setFocus();
+        QTRY_COMPARE(note->toPlainText(), QStringLiteral("Energy note"));
+        child<QLineEdit>(*form, "DBEditProtein")->setFocus();
+        QTRY_COMPARE(note->toPlainText(), QStringLiteral("Protein note"));
+        child<QLineEdit>(*form, "DBEditTotalFat")->setFocus();
+        QTRY_COMPARE(form->QueryBioValues().Param("bioValueId").toString(), QStringLiteral("TotalFat"));
+        QCOMPARE(note->toPlainText(), QString());
+    }
+
+    void tenthPictureRefused() {
+        IngredientStore store;
+        for (int n = 1; n <= 9; ++n)
+            store.writePicture(store.pictures() + QStringLiteral("10.%1.jpg").arg(n), Qt::red);
+        const QString source = store.root() + "new.jpg";
+        const QByteArray bytes = store.writePicture(source, Qt::green);
+        auto form = open();
+        QVERIFY(form->SelectIngredient(10));
+        TPicturePages* pages = form->PageControlPictures();
+        QCOMPARE(tabCaptions(pages), (QStringList{"1", "2", "3", "4", "5", "6", "7", "8", "9"}));
+        int asked = 0;
+        pages->OpenPictureFile = [&] {
+            ++asked;
+            return source;
+        };
+        TScriptedPresenter presenter;
+        QVERIFY(action(*form, "MIAddImage")->isEnabled());
+        action(*form, "MIAddImage")->trigger();
+        QCOMPARE(Shown(presenter), QStringList{"E:Too many pictures"});
+        QCOMPARE(asked, 0);
+        QCOMPARE(pages->count(), 9);
+
+        // With one fewer, the ninth is taken.
+        QVERIFY(QFile::remove(store.pictures() + "10.4.jpg"));
+        presenter.clear();
+        action(*form, "MIAddImage")->trigger();
+        QVERIFY(presenter.shown.isEmpty());
+        QCOMPARE(asked, 1);
+        QCOMPARE(store.read(store.pictures() + "10.9.jpg"), bytes);
+        QVERIFY(QFile::exists(store.pictures() + "10.4.jpg"));
+        QCOMPARE(pages->count(), 9);
+    }
+
+    // Clearing picture 2 of 4 moves 3 and 4 down, through the popup's commands.
+    void clearAndMovePictures() {
+        IngredientStore store;
+        QList<QByteArray> files;
+        const QColor colours[] = {Qt::red, Qt::green, Qt::blue, Qt::yellow};
+        for (int n = 1; n <= 4; ++n)
+            files << store.writePicture(store.pictures() + QStringLiteral("10.%1.jpg").arg(n),
+                                        colours[n - 1]);
+        auto form = open();
+        QVERIFY(form->SelectIngredient(11));
+        TPicturePages* pages = form->PageControlPictures();
+        QCOMPARE(pages->count(), 1);
+        QVERIFY(!pages->MainHolder()->HasPicture());
+        QVERIFY(!action(*form, "MIClearImage")->isEnabled());
+        QVERIFY(form->SelectIngredient(10));
+        QCOMPARE(pages->count(), 4);
+        QVERIFY(!action(*form, "MIMoveUp")->isEnabled());
+        QVERIFY(action(*form, "MIMoveDown")->isEnabled());
+        pages->setCurrentIndex(1);
+        QVERIFY(action(*form, "MIClearImage")->isEnabled());
+        action(*form, "MIClearImage")->trigger();
+        QCOMPARE(QDir(store.pictures()).entryList({"10.*.jpg"}),
+                 (QStringList{"10.1.jpg", "10.2.jpg", "10.3.jpg"}));
+        QCOMPARE(store.read(store.pictures() + "10.2.jpg"), files[2]);
+        QCOMPARE(store.read(store.pictures() + "10.3.jpg"), files[3]);
+        QCOMPARE(tabCaptions(pages), (QStringList{"1", "2", "3"}));
+        const QColor shown = pages->HolderAt(1)->Image().pixelColor(12, 8);
+        QVERIFY2(shown.blue() > 200 && shown.red() < 60, qPrintable(shown.name()));
+
+        pages->setCurrentIndex(2);
+        QVERIFY(!action(*form, "MIMoveDown")->isEnabled());
+        action(*form, "MIMoveUp")->trigger();
+        QCOMPARE(store.read(store.pictures() + "10.2.jpg"), files[3]);
+        QCOMPARE(store.read(store.pictures() + "10.3.jpg"), files[2]);
+        QCOMPARE(pages->currentIndex(), 1);
+        action(*form, "MIMoveDown")->trigger();
+        QCOMPARE(store.read(store.pictures() + "10.3.jpg"), files[3]);
+
+        // View shows the picture of the active tab.
+        QImage viewed;
+        pages->ShowPicture = [&](const QImage& image) { viewed = image; };
+        action(*form, "MIViewImage")->trigger();
+        QCOMPARE(viewed, pages->HolderAt(2)->Image());
+    }
+
+    void deleteIngredient_data() {
+        QTest::addColumn<int>("id");
+        QTest::addColumn<int>("irDelete");
+        QTest::addColumn<QStringList>("messages");
+        QTest::addColumn<bool>("deleted");
+        QTest::addColumn<int>("convsLeft");
+        QTest::addColumn<int>("contentsLeft");
+        QTest::newRow("locked") << 10 << 2 << QStringList{"I:Ingredient locked"} << false << 1 << 0;
+        QTest::newRow("restricted") << 100002 << 1
+                                    << QStringList{"Q:Delete ingredient?", "I:Ingredient in recipes"} << false
+                                    << 1 << 1;
+        QTest::newRow("cascade") << 100002 << 2 << QStringList{"Q:Delete ingredient?"} << true << 0 << 0;
+        // Conversions go only with the cascade of a referenced ingredient.
+        QTest::newRow("unreferenced keeps its conversions")
+            << 100004 << 2 << QStringList{"Q:Delete ingredient?"} << true << 1 << 0;
+    }
+    void deleteIngredient() {
+        QFETCH(int, id);
+        QFETCH(int, irDelete);
+        QFETCH(QStringList, messages);
+        QFETCH(bool, deleted);
+        QFETCH(int, convsLeft);
+        QFETCH(int, contentsLeft);
+        IngredientStore store;
+        store.options().SetAsInteger("IRDeleteIngredient", irDelete);
+        // The delete looks for pictures in a folder that isn't the picture folder.
+        const QString picture = store.pictures() + QStringLiteral("%1.1.jpg").arg(id);
+        const QString stray = store.root() + QStringLiteral("Database/ing/rec/%1.1.jpg").arg(id);
+        store.writePicture(picture, Qt::red);
+        store.writePicture(stray, Qt::red);
+        auto form = open();
+        QVERIFY(form->SelectIngredient(id));
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        QTest::keyClick(form->Grid(), Qt::Key_Delete);
+        QCOMPARE(Shown(presenter), messages);
+        const auto where = [id](const char* sql) { return QString::fromLatin1(sql).arg(id); };
+        QCOMPARE(store.count(where("SELECT COUNT(*) FROM Ingreds WHERE ingredId = %1")), deleted ? 0 : 1);
+        QCOMPARE(store.count(where("SELECT COUNT(*) FROM Convs WHERE ingredId = %1")), convsLeft);
+        QCOMPARE(store.count(where("SELECT COUNT(*) FROM Contents WHERE ingredId = %1")), contentsLeft);
+        QVERIFY(QFile::exists(picture));
+        QCOMPARE(QFile::exists(stray), !deleted);
+    }
+
+    void postChecksAndNewRecord() {
+        IngredientStore store;
+        auto form = open();
+        QVERIFY(form->TreeView()->Locate(100002));
+        QTest::keyClick(form->Grid(), Qt::Key_Insert);
+        qm::Dataset& table = form->RecordTable();
+        QCOMPARE(table.State(), qm::dsInsert);
+        QCOMPARE(current(*form), 100011);
+        QCOMPARE(table.FieldByName("ingredTypeId").AsInteger(), 100002);
+        TScriptedPresenter presenter;
+        QVERIFY(!table.Post());
+        QCOMPARE(presenter.texts(), QStringList{"Missing: ingredient name\nMissing: ingredient base unit"});
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditIngredientName"), "Basil");
+        presenter.clear();
+        QVERIFY(!table.Post());
+        QCOMPARE(presenter.texts(), QStringList{"Missing: ingredient base unit"});
+        // A new record's lookup offers the weight units.
+        auto* box = child<QComboBox>(*form, "DBLookupComboBoxUnit");
+        QCOMPARE(box->count(), 2);
+        QTest::keyClick(box, Qt::Key_Down);
+        QVERIFY(table.Post());
+        QCOMPARE(store.count("SELECT ingredTypeId FROM Ingreds WHERE ingredName = 'Basil'"), 100002);
+        QCOMPARE(store.count("SELECT unitId FROM Ingreds WHERE ingredName = 'Basil'"), 1);
+        QCOMPARE(m_frame.status, QStringLiteral("In type: 2"));
+    }
+
+    // The import runs on the root as well, says nothing, and the grid shows the new prices only
+    // once the table is opened again.
+    void priceListImport() {
+        IngredientStore store;
+        const QString file = store.root() + "prices.xml";
+        QFile xml(file);
+        QVERIFY(xml.open(QIODevice::WriteOnly));
+        xml.write("<list><Ingredient id=\"10\" price=\"3.25\"/><ingredient id=\"11\" price=\"x\"/>"
+                  "<group><ingredient id=\"100002\" price=\"7\"/></group></list>");
+        xml.close();
+        auto form = open();
+        form->FormActivate();
+        QCOMPARE(m_frame.commands.value("ToolButtonImportIngredientsPriceList"), true);
+        QVERIFY(form->TreeView()->Locate(1));
+        const auto shownPrice = [&] { return form->Grid()->model()->index(0, 1).data().toDouble(); };
+        QCOMPARE(shownPrice(), 2.0);
+
+        QString chosen;
+        form->OpenDialogPriceList = [&] { return chosen; };
+        TScriptedPresenter presenter;
+        // Cancel does nothing.
+        QVERIFY(QMetaObject::invokeMethod(form.get(), "MIImportPriceListClick"));
+        QCOMPARE(store.value("SELECT ingredPrice FROM Ingreds WHERE ingredId = 10").toDouble(), 2.0);
+        chosen = file;
+        QVERIFY(QMetaObject::invokeMethod(form.get(), "MIImportPriceListClick"));
+        QCOMPARE(store.value("SELECT ingredPrice FROM Ingreds WHERE ingredId = 10").toDouble(), 3.25);
+        QCOMPARE(store.value("SELECT ingredPrice FROM Ingreds WHERE ingredId = 11").toDouble(), 4.0);
+        QCOMPARE(store.value("SELECT ingredPrice FROM Ingreds WHERE ingredId = 100002").toDouble(), 7.0);
+        QCOMPARE(shownPrice(), 2.0);
+        QVERIFY(presenter.shown.isEmpty());
+
+        QVERIFY(form->TreeView()->Locate(0));
+        QCOMPARE(form->Grid()->model()->rowCount(), 0);
+        store.exec({"UPDATE Ingreds SET ingredPrice = 1"});
+        action(*form, "MIImportPriceList")->trigger();
+        QCOMPARE(store.value("SELECT ingredPrice FROM Ingreds WHERE ingredId = 10").toDouble(), 3.25);
+        QVERIFY(form->TreeView()->Locate(1));
+        QCOMPARE(shownPrice(), 3.25);
+        QVERIFY(presenter.shown.isEmpty());
+    }
+
+    void typeCommandsAndCascade() {
+        IngredientStore store;
+        store.options().SetAsInteger("IRDeleteIngredientType", 2);
+        auto form = open();
+        QCOMPARE(form->TreeView()->GetCurrentKey(), 0);
+        QVERIFY(!action(*form, "MIAddChildIngredientType")->isEnabled());
+        QVERIFY(!action(*form, "MIDeleteIngredientType")->isEnabled());
+        QVERIFY(!action(*form, "MIAddImage")->isEnabled());
+        QVERIFY(form->TreeView()->Locate(100002));
+        QVERIFY(action(*form, "MIAddChildIngredientType")->isEnabled());
+        QVERIFY(action(*form, "MIDeleteIngredientType")->isEnabled());
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        action(*form, "MIDeleteIngredientType")->trigger();
+        QCOMPARE(Shown(presenter), QStringList{"Q:Delete type?"});
+        QCOMPARE(store.count("SELECT COUNT(*) FROM ITypes WHERE ingredTypeId = 100002"), 0);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Ingreds WHERE ingredTypeId = 100002"), 0);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Contents WHERE ingredId = 100003"), 0);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Convs WHERE ingredId = 100003"), 0);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Contents"), 1);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Convs"), 3);
+    }
+
+    // Moving by drag goes through the pattern; here the find button and a search hit.
+    void findAndSelect() {
+        IngredientStore store;
+        auto form = open();
+        m_frame.pattern = "o";
+        form->Find(0);
+        QCOMPARE(current(*form), 10);
+        form->Find(1);
+        QCOMPARE(form->TreeView()->GetCurrentKey(), 100001);
+        QCOMPARE(current(*form), 100001);
+        QCOMPARE(m_frame.status, QStringLiteral("In type: 3"));
+        child<QPushButton>(*form, "SpeedButtonFind")->click();
+        QCOMPARE(m_frame.toggled, QStringList{"SearchIngredients"});
+    }
+
+    // Both windows on a copy of the delivered database.
+    void deliveredDatabase() {
+        const QString delivered = QStringLiteral(QM_BIN_DIR "/delivered/Hearthnote.db");
+        if (!QFile::exists(delivered))
+            QSKIP("the delivered database is not built");
+        TestStore store(310, false);
+        QFile::remove(store.databaseFile());
+        QVERIFY(QFile::copy(delivered, store.databaseFile()));
+        QFile::setPermissions(store.databaseFile(), QFile::ReadOwner | QFile::WriteOwner);
+        store.dataModule().DataModuleCreate();
+        auto form = open();
+        QTreeWidgetItem* root = form->TreeView()->topLevelItem(0);
+        QVERIFY(root->childCount() > 10);
+        form->TreeView()->setCurrentItem(root->child(0));
+        QVERIFY(form->RecordTable().RecordCount() > 0);
+        QVERIFY(child<QComboBox>(*form, "DBLookupComboBoxUnit")->count() > 0);
+        QVERIFY(child<QComboBox>(*form, "DBLookupComboBoxUnit")->currentIndex() >= 0);
+        QVERIFY(form->QueryUnitsOut().RecordCount() > 0);
+        QVERIFY(!form->grab().isNull());
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Ingreds").toInt(), 8789);
+    }
+};
+
+QTEST_MAIN(TestFormIngredients)
+#include "test_form_ingredients.moc"

@@ -1,0 +1,321 @@
+// The recipe search on a real window over a small kitchen: criteria set through the controls, the
+// statement it runs, the rows it finds, and what it hands to the frame, the report and the bar.
+#include "recipe_search_kitchen.h"
+
+#include "culinary/recipe_search.h"
+#include "store/shortcuts.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QToolButton>
+
+using namespace search_fixture;
+
+Q_DECLARE_METATYPE(TRecipeSearchCriteria)
+
+namespace {
+
+/// The recipes window as the search sees it.
+class FakeRecipesWindow : public QObject {
+    Q_OBJECT
+public:
+    QList<int> located;
+    Q_INVOKABLE void LocateRecipe(int id) { located << id; }
+};
+
+const QList<int> kEveryRecipe = {1, 2, 3, 4, 5, 6, 7, 8};
+
+} // namespace
+
+class TestFormSearchRecipes : public QObject {
+    Q_OBJECT
+
+private slots:
+    void withoutCriteriaAllGroupsListsEveryRecipe() {
+        Kitchen k;
+        QVERIFY(k.show());
+        const int criteriaHeight = k.form.height();
+        QVERIFY(!k.results()->isVisible());
+        QVERIFY(!child<QPushButton>(&k.form, "BitBtnOpen")->isEnabled());
+        QCOMPARE(k.find(), kEveryRecipe);
+        // The window grows so that the rows show.
+        QVERIFY(k.results()->isVisible());
+        QVERIFY(k.form.height() >= criteriaHeight + TFormSearchRecipes::ResultsHeight);
+        for (const char* button : {"BitBtnOpen", "BitBtnPrint", "BitBtnSaveShortcut"})
+            QVERIFY2(child<QPushButton>(&k.form, button)->isEnabled(), button);
+
+        // "All groups" with a group selected limits nothing; without it, the group and those below.
+        QVERIFY(k.groups()->Locate(3));
+        QCOMPARE(k.find(), kEveryRecipe);
+        k.check("CheckBoxAllGroups", false);
+        QCOMPARE(k.find(), (QList<int>{3, 5, 6}));
+        QVERIFY(k.groups()->Locate(1));
+        QCOMPARE(k.find(), (QList<int>{1, 2, 4}));
+        // The root without "All groups": every group written out, so every recipe.
+        QVERIFY(k.groups()->Locate(0));
+        QCOMPARE(k.find(), kEveryRecipe);
+
+        // An empty result says nothing and disables what needs rows.
+        k.type("EditPattern", "no such dish");
+        QCOMPARE(k.find(), QList<int>());
+        for (const char* button : {"BitBtnOpen", "BitBtnPrint", "BitBtnSaveShortcut"})
+            QVERIFY2(!child<QPushButton>(&k.form, button)->isEnabled(), button);
+        QCOMPARE(k.presenter.texts(), QStringList());
+
+        click(&k.form, "BitBtnNewSearch");
+        QVERIFY(!k.results()->isVisible());
+        QCOMPARE(k.form.height(), criteriaHeight);
+    }
+
+    void apostropheInPatternAndInItsShortcut() {
+        Kitchen k;
+        QVERIFY(k.show());
+        int reloads = 0;
+        TFormSearchRecipes::ShortcutsChanged = [&reloads] { ++reloads; };
+        k.type("EditPattern", "o'brien's");
+        QCOMPARE(k.find(), QList<int>{2});
+        click(&k.form, "BitBtnSaveShortcut");
+        QCOMPARE(reloads, 1);
+        const QList<TShortcut> saved = Shortcuts::Load();
+        QCOMPARE(saved.size(), 1);
+        QCOMPARE(saved.first().type, 1);
+        QCOMPARE(saved.first().name, GetText("NewShortcutToRecipes"));
+        // The whole statement with its line breaks, as the search ran it.
+        QCOMPARE(saved.first().definition, k.form.QuerySearch().Sql());
+        QVERIFY(saved.first().definition.contains(
+            " AND recName LIKE '*o' || CHR( 39 ) || 'brien' || CHR( 39 ) || "
+            "'s*'\n"));
+        QCOMPARE(sortedIds(k.store.db(), saved.first().definition), QList<int>{2});
+        // Re-run later, the shortcut finds the rows of that day.
+        k.store.exec({"INSERT INTO Recipes ( recId, recGroupId, recName, recFreeForm ) "
+                      "VALUES ( 9, 5, 'Mrs O''Brien''s stew', 0 )"});
+        QCOMPARE(sortedIds(k.store.db(), Shortcuts::Open(0).definition), (QList<int>{2, 9}));
+
+        // Without rows there is nothing to save.
+        k.type("EditPattern", "o'neill");
+        QCOMPARE(k.find(), QList<int>());
+        click(&k.form, "BitBtnSaveShortcut");
+        QCOMPARE(Shortcuts::Load().size(), 1);
+        QCOMPARE(reloads, 1);
+        TFormSearchRecipes::ShortcutsChanged = nullptr;
+    }
+
+    void twoCategoriesOrTwoIngredientsMeanBoth() {
+        Kitchen k;
+        QVERIFY(k.show());
+        k.addCategory(1, "SpeedButtonAddToBelongsTo");
+        k.addCategory(2, "SpeedButtonAddToBelongsTo");
+        QCOMPARE(k.names("ListBoxBelongsTo"), (QStringList{"Quick", "Salty"}));
+        QCOMPARE(k.form.BelongsToIds(), (QList<int>{1, 2}));
+        QCOMPARE(k.find(), QList<int>{1});
+
+        click(&k.form, "BitBtnNewSearch");
+        k.addIngredient(11, "SpeedButtonAddToContains");
+        k.addIngredient(10, "SpeedButtonAddToContains");
+        QCOMPARE(k.names("ListBoxContains"), (QStringList{"Cod", "Salt"}));
+        QCOMPARE(k.form.ContainsIds(), (QList<int>{11, 10}));
+        QCOMPARE(k.find(), QList<int>{1});
+
+        // Salt, but not pepper.
+        click(&k.form, "BitBtnNewSearch");
+        k.addIngredient(10, "SpeedButtonAddToContains");
+        k.addIngredient(14, "SpeedButtonAddToNotContains");
+        QCOMPARE(k.find(), (QList<int>{1, 3, 4, 8}));
+    }
+
+    void madeOfSaltAlone() {
+        Kitchen k;
+        QVERIFY(k.show());
+        auto* notContains = k.box("ListBoxNotContains");
+        k.check("CheckBoxCanBeMadeOf", true);
+        QVERIFY(!notContains->isVisible());
+        QVERIFY(!child<QLabel>(&k.form, "LabelNotContains")->isVisible());
+        QVERIFY(!child<QToolButton>(&k.form, "SpeedButtonAddToNotContains")->isVisible());
+        QCOMPARE(k.box("ListBoxContains")->height(), 185);
+
+        k.addIngredient(10, "SpeedButtonAddToContains");
+        // Salt alone and the recipe without lines; never the free-form one.
+        QCOMPARE(k.find(), (QList<int>{4, 5, 8}));
+        k.addIngredient(11, "SpeedButtonAddToContains");
+        QCOMPARE(k.find(), (QList<int>{1, 4, 5, 8}));
+
+        k.check("CheckBoxCanBeMadeOf", false);
+        QVERIFY(notContains->isVisible());
+        QVERIFY(child<QToolButton>(&k.form, "SpeedButtonAddToNotContains")->isVisible());
+        QCOMPARE(k.box("ListBoxContains")->height(), 85);
+        QCOMPARE(k.find(), QList<int>{1}); // now both must be in it
+    }
+
+    void limitOfZeroIsNotNull() {
+        Kitchen k;
+        QVERIFY(k.show());
+        auto* op = child<QComboBox>(&k.form, "ComboBoxOpCal");
+        QCOMPARE(op->currentText(), QStringLiteral(">="));
+        op->setCurrentIndex(op->findText("<="));
+        k.type("EditCal", "0");
+        QCOMPARE(k.find(), (QList<int>{1, 4, 6}));
+        op->setCurrentIndex(op->findText(">="));
+        QCOMPARE(k.find(), (QList<int>{1, 2, 4, 5, 6, 7}));
+        // Digits only, four at most: what the statement gets is a number.
+        k.type("EditCal", "12a345");
+        QCOMPARE(child<QLineEdit>(&k.form, "EditCal")->text(), QStringLiteral("1234"));
+        k.type("EditPrepTime", "12345");
+        QCOMPARE(child<QLineEdit>(&k.form, "EditPrepTime")->text(), QStringLiteral("123"));
+    }
+
+    void sameStatementAsTheBuilder_data() {
+        QTest::addColumn<TRecipeSearchCriteria>("criteria");
+        TRecipeSearchCriteria name;
+        name.pattern = "o'b";
+        name.allGroups = false;
+        name.groupKey = 1;
+        QTest::newRow("name and a branch of groups") << name;
+
+        TRecipeSearchCriteria all;
+        all.pattern = " pie ";
+        all.groupKey = 3;
+        all.belongsTo = {2, 1};
+        all.prepTime = "60";
+        all.servings = "4";
+        all.nutrients["nutCal"] = {">=", "100"};
+        all.nutrients["nutProtein"] = {"<=", "20"};
+        all.nutrients["nutVitaminB12"] = {">=", "1"};
+        all.nutrients["nutTotalFat"] = {"<=", "0"};
+        all.contains = {11};
+        all.notContains = {10, 14};
+        QTest::newRow("every tab") << all;
+
+        TRecipeSearchCriteria madeOf;
+        madeOf.allGroups = false;
+        madeOf.groupKey = 0;
+        madeOf.canBeMadeOf = true;
+        madeOf.contains = {10, 11};
+        madeOf.nutrients["nutSodium"] = {"<=", "500"};
+        QTest::newRow("made of, at the root") << madeOf;
+    }
+
+    void sameStatementAsTheBuilder() {
+        QFETCH(TRecipeSearchCriteria, criteria);
+        Kitchen k;
+        QVERIFY(k.show());
+        k.apply(criteria);
+        click(&k.form, "BitBtnFind");
+        criteria.groupChildrenIds =
+            ChildrenIds(k.store.db(), "RGroups", "recGroupId", "recGroupName", criteria.groupKey);
+        QCOMPARE(k.form.QuerySearch().Sql(), StatementText(BuildRecipeSearchLines(criteria)));
+        // The tree's own list of the branch is the one the table gives.
+        QCOMPARE(k.groups()->GetChildrenIds(), criteria.groupChildrenIds);
+        QVERIFY(k.form.QuerySearch().Active());
+    }
+
+    void choosingKeepsBoxesAndIdsInStep() {
+        Kitchen k;
+        QVERIFY(k.show());
+        for (int id : {1, 2, 3})
+            k.addCategory(id, "SpeedButtonAddToBelongsTo");
+        auto* belongs = k.box("ListBoxBelongsTo");
+        belongs->setCurrentRow(1);
+        click(&k.form, "SpeedButtonRemoveFromBelongsTo");
+        QCOMPARE(k.names("ListBoxBelongsTo"), (QStringList{"Quick", "Festive"}));
+        QCOMPARE(k.form.BelongsToIds(), (QList<int>{1, 3}));
+        belongs->setCurrentRow(-1);
+        click(&k.form, "SpeedButtonRemoveFromBelongsTo");
+        QCOMPARE(k.form.BelongsToIds(), (QList<int>{1, 3}));
+
+        // The "does not belong" button adds nothing while its box has no selected item, and an
+        // empty box never has one.
+        k.addCategory(2, "SpeedButtonAddToNotBelongsTo");
+        QCOMPARE(k.box("ListBoxNotBelongsTo")->count(), 0);
+        QVERIFY(k.form.NotBelongsToIds().isEmpty());
+        QCOMPARE(k.find(), QList<int>()); // in Quick and in Festive: none
+        k.box("ListBoxBelongsTo")->setCurrentRow(1);
+        click(&k.form, "SpeedButtonRemoveFromBelongsTo");
+        QCOMPARE(k.find(), (QList<int>{1, 5}));
+
+        // Reset empties boxes and lists alike and puts every control back.
+        k.addIngredient(10, "SpeedButtonAddToContains");
+        k.type("EditPrepTime", "10");
+        k.type("EditVitaminC", "5");
+        child<QComboBox>(&k.form, "ComboBoxOpVitaminC")->setCurrentIndex(1);
+        k.check("CheckBoxAllGroups", false);
+        k.check("CheckBoxCanBeMadeOf", true);
+        click(&k.form, "BitBtnNewSearch");
+        for (const char* name :
+             {"ListBoxBelongsTo", "ListBoxNotBelongsTo", "ListBoxContains", "ListBoxNotContains"})
+            QVERIFY2(k.box(name)->count() == 0, name);
+        QVERIFY(k.form.BelongsToIds().isEmpty() && k.form.ContainsIds().isEmpty());
+        QVERIFY(child<QLineEdit>(&k.form, "EditPrepTime")->text().isEmpty());
+        QVERIFY(child<QLineEdit>(&k.form, "EditVitaminC")->text().isEmpty());
+        QCOMPARE(child<QComboBox>(&k.form, "ComboBoxOpVitaminC")->currentText(), QStringLiteral(">="));
+        QVERIFY(child<QCheckBox>(&k.form, "CheckBoxAllGroups")->isChecked());
+        QVERIFY(!child<QCheckBox>(&k.form, "CheckBoxCanBeMadeOf")->isChecked());
+        QCOMPARE(k.box("ListBoxContains")->height(), 85);
+    }
+
+    void openPrintCloseAndShowAgain() {
+        Kitchen k;
+        QVERIFY(k.show());
+        FakeFrame frame;
+        FakeRecipesWindow recipes;
+        frame.window = &recipes;
+        MdiFrame = &frame;
+        QString printed;
+        TFormSearchRecipes::PrintRecipes = [&printed](const QString& ids) { printed = ids; };
+
+        k.type("EditPattern", "salt");
+        QCOMPARE(k.find(), (QList<int>{1, 6, 7, 8}));
+        TVintraDBGrid* results = k.results();
+        clickRow(results, "recId", 7);
+        const QRect rect = results->visualRect(results->model()->index(results->CurrentRow(), 0));
+        QTest::mouseDClick(results->viewport(), Qt::LeftButton, {}, rect.center());
+        QCOMPARE(frame.toggles, QStringList{"Recipes+"});
+        QCOMPARE(recipes.located, QList<int>{7});
+        clickRow(results, "recId", 1);
+        click(&k.form, "BitBtnOpen");
+        QCOMPARE(recipes.located, (QList<int>{7, 1}));
+
+        // Print: the selected rows, or the current one.
+        click(&k.form, "BitBtnPrint");
+        QCOMPARE(printed, QStringLiteral("1"));
+        clickRow(results, "recId", 6);
+        const QRect eight = [&] {
+            const int field = results->Dataset()->fieldIndex("recId");
+            for (int row = 0; row < results->Dataset()->RecordCount(); ++row)
+                if (results->Dataset()->value(row, field).toInt() == 8)
+                    return results->visualRect(results->model()->index(row, 0));
+            return QRect();
+        }();
+        QTest::mouseClick(results->viewport(), Qt::LeftButton, Qt::ControlModifier, eight.center());
+        click(&k.form, "BitBtnPrint");
+        QCOMPARE(printed, QStringLiteral("6, 8"));
+        MdiFrame = nullptr;
+        TFormSearchRecipes::PrintRecipes = nullptr;
+
+        // Closing hides the window with its criteria; the categories are read again at the next show.
+        k.addCategory(2, "SpeedButtonAddToBelongsTo");
+        click(&k.form, "BitBtnClose");
+        QVERIFY(!k.form.isVisible());
+        QVERIFY(!k.form.QueryAvailableCategories().Active());
+        k.store.exec({"INSERT INTO Categories ( catId, catName ) VALUES ( 4, 'Cheap' )"});
+        k.form.show();
+        QCOMPARE(sortedIds(k.form.QueryAvailableCategories(), "catId"), (QList<int>{1, 2, 3, 4}));
+        QCOMPARE(child<QLineEdit>(&k.form, "EditPattern")->text(), QStringLiteral("salt"));
+        QCOMPARE(k.form.BelongsToIds(), QList<int>{2});
+        QCOMPARE(k.find(), (QList<int>{1, 7}));
+    }
+
+    void oneSharedWindow() {
+        TestStore store;
+        QWidget frame;
+        TFormSearchRecipes* first = TFormSearchRecipes::Instance(&frame);
+        QCOMPARE(TFormSearchRecipes::Instance(), first);
+        QCOMPARE(first->parentWidget(), &frame);
+        QVERIFY(first->isWindow());
+        QVERIFY(!first->testAttribute(Qt::WA_QuitOnClose));
+    }
+};
+
+QTEST_MAIN(TestFormSearchRecipes)
+#include "test_form_search_recipes.moc"

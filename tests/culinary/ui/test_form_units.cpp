@@ -1,0 +1,348 @@
+// The units window on a fresh database, shown offscreen: the delete order, the post checks, the
+// type buttons and their scroll guard, the type column, the quick search and the column widths.
+#include "culinary_window_fixture.h"
+
+#include "components/ui/vintra_db_grid.h"
+#include "culinary/ui/form_units.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QRadioButton>
+#include <QTest>
+
+namespace {
+
+/// Units 1 gram and 2 cup (delivered), 100000 ounce (the last delivered id), 100001 pinch, the
+/// base unit of salt and in a recipe line, 100002 scoop only in Convs, 100003 handful unused,
+/// 100004 block of a type that is neither weight nor volume.
+class UnitStore : public TestStore {
+public:
+    UnitStore() {
+        exec(
+            {"INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
+             "( 1, 'gram', 'g', 'g', 1, 1 ), ( 2, 'cup', 'cup', 'c', 2, NULL ), "
+             "( 100000, 'ounce', 'oz', 'oz', 1, 28.35 ), ( 100001, 'zest pinch', 'pinch', 'pn', 1, 0.36 ), "
+             "( 100002, 'scoop', 'scoop', 'sc', 2, NULL ), ( 100003, 'handful', 'hf', 'hf', 2, NULL ), "
+             "( 100004, 'block', 'blk', 'bk', 3, NULL )",
+             "INSERT INTO Ingreds ( ingredId, ingredTypeId, ingredName, unitId, ingredPrice ) VALUES "
+             "( 100010, 1, 'Salt', 100001, 3.5 ), ( 100011, 1, 'Flour', 1, 1 )",
+             "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 100002, 100011, 40 ), ( 100001, 100011, "
+             "5 )",
+             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 100020, 100010, 2, 100001 ), "
+             "( 100021, 100011, 1, 1 )",
+             "INSERT INTO PKeys ( keyId, keyValue ) VALUES ( 'Units', 100004 )"});
+        WriteDictionary(*this, {{"ErrorEmptyField", "Missing: %s"},
+                                {"InfoLockedUnitDelete", "Unit locked"},
+                                {"QuestionDeleteUnit", "Delete unit?"},
+                                {"InfoUnitReferencedByIngredient", "Unit in use"},
+                                {"UnitTypeTextWeight", "Weight"},
+                                {"UnitTypeTextVolume", "Volume"},
+                                {"InfoStartSearchFirst", "Search first"},
+                                {"InfoNoMatchingUnit", "No unit"},
+                                {"InfoNoMoreMatchingUnits", "No more units"}});
+    }
+    QVariant value(const QString& sql) { return db().scalar(sql); }
+    int count(const QString& sql) { return value(sql).toInt(); }
+    TVintraOptions& options() { return holder().VintraOptions; }
+};
+
+QStringList column(TFormUnits& form, int c) {
+    QStringList result;
+    QAbstractItemModel* model = form.Grid()->model();
+    for (int row = 0; row < model->rowCount(); ++row)
+        result << model->index(row, c).data().toString();
+    return result;
+}
+
+} // namespace
+
+class TestFormUnits : public QObject {
+    Q_OBJECT
+
+    FakeFrame m_frame;
+
+    static std::unique_ptr<TFormUnits> open() {
+        auto form = std::make_unique<TFormUnits>();
+        form->show();
+        return form;
+    }
+    template <typename T> static T* child(TFormUnits& form, const char* name) {
+        T* widget = form.findChild<T*>(QString::fromLatin1(name));
+        if (!widget)
+            qFatal("no %s", name);
+        return widget;
+    }
+
+private slots:
+    void init() {
+        m_frame = FakeFrame();
+        MdiFrame = &m_frame;
+    }
+    void cleanup() { MdiFrame = nullptr; }
+
+    void deleteRules_data() {
+        QTest::addColumn<int>("unitId");
+        QTest::addColumn<bool>("confirm");
+        QTest::addColumn<int>("irDelete");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QStringList>("messages");
+        QTest::addColumn<bool>("deleted");
+        // Locked units are refused before any question, whatever the rule.
+        QTest::newRow("unit 1") << 1 << true << 2 << mrYes << QStringList{"I:Unit locked"} << false;
+        QTest::newRow("last delivered id")
+            << 100000 << true << 2 << mrYes << QStringList{"I:Unit locked"} << false;
+        QTest::newRow("declined") << 100003 << true << 1 << mrNo << QStringList{"Q:Delete unit?"} << false;
+        QTest::newRow("free unit") << 100003 << true << 1 << mrYes << QStringList{"Q:Delete unit?"} << true;
+        QTest::newRow("without the question") << 100003 << false << 1 << mrNo << QStringList{} << true;
+        // A unit that only a conversion uses is referenced, and the message names ingredients.
+        QTest::newRow("only in Convs")
+            << 100002 << true << 1 << mrYes << QStringList{"Q:Delete unit?", "I:Unit in use"} << false;
+        QTest::newRow("base unit and recipe line")
+            << 100001 << true << 1 << mrYes << QStringList{"Q:Delete unit?", "I:Unit in use"} << false;
+    }
+    void deleteRules() {
+        QFETCH(int, unitId);
+        QFETCH(bool, confirm);
+        QFETCH(int, irDelete);
+        QFETCH(int, answer);
+        QFETCH(QStringList, messages);
+        QFETCH(bool, deleted);
+        UnitStore store;
+        store.options().SetAsBoolean("ConfirmDeletionUnit", confirm);
+        store.options().SetAsInteger("IRDeleteUnit", irDelete);
+        auto form = open();
+        QCOMPARE(form->Grid()->model()->rowCount(), 7);
+        QVERIFY(form->LocateRecord(unitId));
+
+        TScriptedPresenter presenter;
+        presenter.answers = {answer};
+        QTest::keyClick(form->Grid(), Qt::Key_Delete);
+        QCOMPARE(Shown(presenter), messages);
+        const QString exists = QStringLiteral("SELECT COUNT(*) FROM Units WHERE unitId = %1").arg(unitId);
+        QCOMPARE(store.count(exists), deleted ? 0 : 1);
+        QCOMPARE(form->Grid()->model()->rowCount(), deleted ? 6 : 7);
+        // Nothing of the cascade ran.
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Convs") + store.count("SELECT COUNT(*) FROM Contents"), 4);
+    }
+
+    // Under the cascade rule recipe lines and conversions in the unit go, and ingredients based on
+    // it fall back to unit 1 with their price as it was.
+    void cascadeRepointsIngredientsToUnitOne() {
+        UnitStore store;
+        store.options().SetAsInteger("IRDeleteUnit", 2);
+        auto form = open();
+        QVERIFY(form->LocateRecord(100001));
+        TScriptedPresenter presenter;
+        presenter.answers = {mrYes};
+        QTest::keyClick(form->Grid(), Qt::Key_Delete);
+        QCOMPARE(Shown(presenter), QStringList{"Q:Delete unit?"});
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Units WHERE unitId = 100001"), 0);
+        QCOMPARE(store.count("SELECT unitId FROM Ingreds WHERE ingredId = 100010"), 1);
+        QCOMPARE(store.value("SELECT ingredPrice FROM Ingreds WHERE ingredId = 100010").toDouble(), 3.5);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Contents WHERE unitId = 100001"), 0);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Contents"), 1);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Convs"), 1);
+        QCOMPARE(store.count("SELECT unitId FROM Convs"), 100002);
+        QVERIFY(!column(*form, 0).contains("zest pinch"));
+    }
+
+    void postChecks_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("abbrev");
+        QTest::addColumn<QString>("small");
+        QTest::addColumn<QString>("errors");
+        QTest::newRow("small abbreviation empty") << "teaspoon"
+                                                  << "tsp"
+                                                  << ""
+                                                  << "Missing: unit small abbreviation";
+        QTest::newRow("all empty") << ""
+                                   << ""
+                                   << ""
+                                   << "Missing: unit name\nMissing: unit abbreviation\nMissing: unit small "
+                                      "abbreviation";
+        QTest::newRow("abbreviation empty") << "teaspoon"
+                                            << ""
+                                            << "ts"
+                                            << "Missing: unit abbreviation";
+        // No check on the factor: a unit without one posts.
+        QTest::newRow("complete") << "teaspoon"
+                                  << "tsp"
+                                  << "ts"
+                                  << "";
+    }
+    void postChecks() {
+        QFETCH(QString, name);
+        QFETCH(QString, abbrev);
+        QFETCH(QString, small);
+        QFETCH(QString, errors);
+        UnitStore store;
+        auto form = open();
+        QTest::keyClick(form->Grid(), Qt::Key_Insert);
+        qm::Dataset& units = form->RecordTable();
+        QCOMPARE(units.State(), qm::dsInsert);
+        const int id = units.FieldByName("unitId").AsInteger();
+        QVERIFY(id > 0);
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditUnitName"), name);
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbrev"), abbrev);
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbreviationSmall"), small);
+
+        TScriptedPresenter presenter;
+        QCOMPARE(units.Post(), errors.isEmpty());
+        QCOMPARE(presenter.texts(TMessagePresenter::Error),
+                 errors.isEmpty() ? QStringList{} : QStringList{errors});
+        QCOMPARE(store.count(QStringLiteral("SELECT COUNT(*) FROM Units WHERE unitId = %1").arg(id)),
+                 errors.isEmpty() ? 1 : 0);
+        if (errors.isEmpty())
+            QVERIFY(
+                store.value(QStringLiteral("SELECT unitType FROM Units WHERE unitId = %1").arg(id)).isNull());
+        else
+            QCOMPARE(units.State(), qm::dsInsert);
+    }
+
+    // Scrolling checks the button of the unit's type and shows the factor for weight units only,
+    // without putting the record into edit state; a click does.
+    void scrollGuardKeepsRecordClean() {
+        UnitStore store;
+        auto form = open();
+        auto* weight = child<QRadioButton>(*form, "RadioButtonWeight");
+        auto* volume = child<QRadioButton>(*form, "RadioButtonVolume");
+        auto* conv = child<QLineEdit>(*form, "DBEditConv");
+        auto* convLabel = child<QLabel>(*form, "LabelConv");
+        qm::Dataset& units = form->RecordTable();
+        const QStringList names = column(*form, 0);
+        QCOMPARE(names, (QStringList{"block", "cup", "gram", "handful", "ounce", "scoop", "zest pinch"}));
+        for (int row = names.size() - 1; row >= 0; --row) {
+            form->Grid()->setCurrentIndex(form->Grid()->model()->index(row, 0));
+            QCOMPARE(units.currentRow(), row);
+            const bool isWeight = units.FieldByName("unitType").AsInteger() == 1;
+            QCOMPARE(units.State(), qm::dsBrowse);
+            QVERIFY(!units.Modified());
+            QCOMPARE(weight->isChecked(), isWeight);
+            QCOMPARE(volume->isChecked(), !isWeight);
+            QCOMPARE(conv->isVisibleTo(form.get()), isWeight);
+            QCOMPARE(convLabel->isVisibleTo(form.get()), isWeight);
+        }
+        // The odd type shows as volume and stays as it is.
+        QCOMPARE(store.count("SELECT unitType FROM Units WHERE unitId = 100004"), 3);
+
+        QVERIFY(form->LocateRecord(100003));
+        weight->click();
+        QCOMPARE(units.State(), qm::dsEdit);
+        QCOMPARE(units.FieldByName("unitType").AsInteger(), 1);
+        QVERIFY(conv->isVisibleTo(form.get()));
+        QTest::keyClicks(conv, "85.5");
+        QVERIFY(units.Post());
+        QCOMPARE(store.count("SELECT unitType FROM Units WHERE unitId = 100003"), 1);
+        QCOMPARE(store.value("SELECT unitConv FROM Units WHERE unitId = 100003").toDouble(), 85.5);
+        QCOMPARE(column(*form, 2).at(3), QStringLiteral("Weight"));
+    }
+
+    void typeColumnText() {
+        UnitStore store;
+        auto form = open();
+        QCOMPARE(column(*form, 2),
+                 (QStringList{"", "Volume", "Weight", "Volume", "Weight", "Volume", "Weight"}));
+    }
+
+    // The pattern is looked for in the name and both abbreviations, hits in name order.
+    void quickSearch() {
+        UnitStore store;
+        auto form = open();
+        TScriptedPresenter presenter;
+        form->Find(1);
+        QCOMPARE(presenter.texts(), QStringList{"Search first"});
+        presenter.clear();
+        const auto current = [&] { return form->RecordTable().FieldByName("unitId").AsInteger(); };
+        m_frame.pattern = "pn";
+        form->Find(0);
+        QCOMPARE(current(), 100001);
+        m_frame.pattern = "c";
+        form->Find(0);
+        QCOMPARE(current(), 100004);
+        form->Find(1);
+        QCOMPARE(current(), 2);
+        form->Find(1);
+        QCOMPARE(current(), 100000);
+        form->Find(1);
+        QCOMPARE(current(), 100002);
+        form->Find(1);
+        QCOMPARE(current(), 100001);
+        QVERIFY(presenter.shown.isEmpty());
+        form->Find(1);
+        form->Find(1);
+        QCOMPARE(presenter.texts(), (QStringList{"No more units", "No more units"}));
+        QCOMPARE(current(), 100001);
+        m_frame.pattern = "xyz";
+        form->Find(0);
+        QCOMPARE(presenter.texts().last(), QStringLiteral("No unit"));
+    }
+
+    // Three columns keep their widths; the factor column's option is never read nor written.
+    void columnWidthsKeepTheFourthColumnsMismatch() {
+        UnitStore store;
+        store.options().SetAsInteger("UnitColUnitName", 140);
+        store.options().SetAsInteger("UnitColUnitAbbrev", 50);
+        store.options().SetAsInteger("UnitColUnitType", 60);
+        store.options().SetAsInteger("UnitColUnitConv", 300);
+        auto form = open();
+        TVintraDBGrid* grid = form->Grid();
+        QCOMPARE(grid->columnWidth(0), 140);
+        QCOMPARE(grid->columnWidth(1), 50);
+        QCOMPARE(grid->columnWidth(2), 60);
+        const int designWidth = grid->columnWidth(3);
+        QVERIFY(designWidth != 300);
+        grid->setColumnWidth(0, 170);
+        grid->setColumnWidth(3, designWidth + 25);
+        form->close();
+        QCOMPARE(store.options().GetAsInteger("UnitColUnitName"), 170);
+        QCOMPARE(store.options().GetAsInteger("UnitColUnitConv"), 300);
+    }
+
+    // In the frame the minimum holds for the sub-window, whose size is the one remembered, so
+    // the window inside it isn't cut off at the remembered size.
+    void minimumSizeIsTheFramesInTheMdiArea() {
+        UnitStore store;
+        QMdiArea area;
+        area.resize(1000, 800);
+        auto* form = new TFormUnits;
+        QMdiSubWindow* sub = area.addSubWindow(form);
+        area.show();
+        sub->show();
+        QCOMPARE(sub->minimumSize(), QSize(660, 480));
+        QCOMPARE(sub->size(), QSize(660, 480));
+        QVERIFY(form->height() < 480);
+        QVERIFY(form->height() >= form->minimumSizeHint().height());
+        sub->resize(300, 200);
+        QCOMPARE(sub->size(), QSize(660, 480));
+    }
+
+    void printHandsTheSelectedIds() {
+        UnitStore store;
+        auto form = open();
+        QCOMPARE(form->Tag, 1);
+        QCOMPARE(form->minimumSize(), QSize(660, 480));
+        QString printed;
+        bool locked = false;
+        TFormUnits::PrintUnits = [&](const QString& ids, bool containsLocked) {
+            printed = ids;
+            locked = containsLocked;
+        };
+        QVERIFY(form->LocateRecord(100003));
+        form->Print();
+        QCOMPARE(printed, QStringLiteral("100003"));
+        QVERIFY(!locked);
+        form->Grid()->selectRow(2);
+        form->Grid()->selectionModel()->select(form->Grid()->model()->index(6, 0),
+                                               QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        form->Print();
+        QCOMPARE(printed, QStringLiteral("1, 100001"));
+        QVERIFY(locked);
+        TFormUnits::PrintUnits = nullptr;
+    }
+};
+
+QTEST_MAIN(TestFormUnits)
+#include "test_form_units.moc"

@@ -1,0 +1,368 @@
+// The recipe editing dialogs and the category dialogs, each shown on its own over a fresh
+// database, as their callers run them.
+#include "recipe_fixture.h"
+
+#include "components/dataset_model.h"
+#include "components/messages.h"
+#include "components/ui/vintra_db_grid.h"
+#include "components/ui/vintra_db_tree_view.h"
+#include "components/ui/vintra_rich_edit.h"
+#include "culinary/ui/form_add_or_edit_recipe.h"
+#include "culinary/ui/form_categories.h"
+#include "culinary/ui/form_recipe_add_or_edit_ingredient.h"
+#include "culinary/ui/form_recipe_add_or_edit_ingredient_ff.h"
+#include "culinary/ui/form_recipe_categories.h"
+#include "culinary/ui/form_rich_text_db_editor.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTextBlock>
+#include <QTextEdit>
+#include <QTextList>
+#include <QTimer>
+
+namespace {
+
+QStringList items(QComboBox* box) {
+    QStringList list;
+    for (int i = 0; i < box->count(); ++i)
+        list << box->itemText(i);
+    return list;
+}
+
+QStringList names(qm::Dataset& dataset, const char* field) {
+    QStringList list;
+    for (int row = 0; row < dataset.RecordCount(); ++row)
+        list << dataset.value(row, dataset.fieldIndex(QLatin1String(field))).toString();
+    return list;
+}
+
+} // namespace
+
+class TestRecipeDialogs : public QObject {
+    Q_OBJECT
+
+private slots:
+    // The search box waits for its timer; an apostrophe in it breaks no statement and finds the
+    // ingredient. The tree narrows the list by type.
+    void structuredLineSearch() {
+        RecipeStore store;
+        TScriptedPresenter presenter;
+        TFormRecipeAddOrEditIngredient dialog;
+        dialog.recId = 100001;
+        dialog.show();
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Add Ingredient"));
+        QCOMPARE(names(dialog.QueryIngredients, "ingredName"),
+                 (QStringList{"Cook's salt", "Eggs", "Flour", "Milk"}));
+        auto* search = child<QLineEdit>(dialog, "MemoSearch");
+        auto* timer = child<QTimer>(dialog, "TimerSearch");
+        QTest::keyClicks(search, "k's");
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 500);
+        QCOMPARE(dialog.QueryIngredients.RecordCount(), 4);
+        dialog.TimerSearchTimer();
+        QVERIFY(!timer->isActive());
+        QVERIFY(presenter.shown.isEmpty());
+        QCOMPARE(names(dialog.QueryIngredients, "ingredName"), QStringList{"Cook's salt"});
+
+        auto* tree = child<TVintraDBTreeView>(dialog, "TreeViewIngredientTypes");
+        QCOMPARE(tree->RootNode()->text(0), GetText("IngredientsRootNodeName"));
+        QVERIFY(tree->Locate(2));
+        QCOMPARE(names(dialog.QueryIngredients, "ingredName"), (QStringList{"Eggs", "Milk"}));
+        search->setText("mil");
+        dialog.TimerSearchTimer();
+        QCOMPARE(names(dialog.QueryIngredients, "ingredName"), QStringList{"Milk"});
+        search->setText("flour");
+        dialog.TimerSearchTimer();
+        QCOMPARE(dialog.QueryIngredients.RecordCount(), 0);
+        QVERIFY(!child<QPushButton>(dialog, "BitBtnOk")->isEnabled());
+    }
+
+    // Units offered: every unit of fixed weight, and those the ingredient has a conversion for.
+    // The OK button waits for an ingredient, an amount and a unit; text that isn't a number is 0.
+    void unitsOfferedAndOk() {
+        RecipeStore store;
+        TFormRecipeAddOrEditIngredient dialog;
+        dialog.show();
+        auto* units = child<QComboBox>(dialog, "ComboBoxUnits");
+        auto* search = child<QLineEdit>(dialog, "MemoSearch");
+        search->setText("Eggs");
+        dialog.TimerSearchTimer();
+        QCOMPARE(items(units), QStringList{"gram"});
+        search->setText("Milk");
+        dialog.TimerSearchTimer();
+        // The gram taken for the eggs stays chosen, though the list now starts with the cup.
+        QCOMPARE(items(units), (QStringList{"cup", "gram"}));
+        QCOMPARE(units->currentText(), QStringLiteral("gram"));
+        QCOMPARE(dialog.unitId, 1);
+        units->setCurrentIndex(0);
+        emit units->activated(0);
+        QCOMPARE(dialog.unitId, 9);
+        // Not offered for flour: the first unit of its list.
+        search->setText("Flour");
+        dialog.TimerSearchTimer();
+        QCOMPARE(units->currentText(), QStringLiteral("gram"));
+        QCOMPARE(dialog.unitId, 1);
+
+        auto* amount = child<QLineEdit>(dialog, "EditAmount");
+        auto* ok = child<QPushButton>(dialog, "BitBtnOk");
+        QCOMPARE(amount->text(), QStringLiteral("0"));
+        QVERIFY(ok->isEnabled());
+        amount->clear();
+        QVERIFY(!ok->isEnabled());
+        amount->setText("a lot");
+        QVERIFY(ok->isEnabled());
+        QTest::mouseClick(ok, Qt::LeftButton);
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        QCOMPARE(dialog.ingredId, 1);
+        QCOMPARE(dialog.amount, 0.0);
+        QCOMPARE(dialog.unitId, 1);
+    }
+
+    // Editing a line whose unit lost its conversion: the bottom panel alone, and the first unit
+    // of the list, since the old one isn't in it.
+    void editLineWithLostConversion() {
+        RecipeStore store;
+        TFormRecipeAddOrEditIngredient dialog;
+        dialog.recId = 100004;
+        dialog.ingredId = 4;
+        dialog.ingredTypeId = 2;
+        dialog.amount = 2.5;
+        dialog.unitId = 9;
+        dialog.show();
+        QCOMPARE(dialog.windowTitle(), GetText("CaptionEditRecipeContents"));
+        QCOMPARE(dialog.size(), QSize(250, 100));
+        QVERIFY(!child<QWidget>(dialog, "TreeViewIngredientTypes")->isVisible());
+        QVERIFY(!dialog.QueryIngredients.Active());
+        auto* units = child<QComboBox>(dialog, "ComboBoxUnits");
+        QCOMPARE(items(units), QStringList{"gram"});
+        QCOMPARE(units->currentText(), QStringLiteral("gram"));
+        QCOMPARE(child<QLineEdit>(dialog, "EditAmount")->text(), QStringLiteral("2.5"));
+        clickOk(dialog);
+        QCOMPARE(dialog.ingredId, 4);
+        QCOMPARE(dialog.unitId, 1);
+        QCOMPARE(dialog.amount, 2.5);
+    }
+
+    // The free-form line: the unit box takes twelve characters at most, the name 254; OK waits for
+    // a name; an added line gets the add caption.
+    void freeFormLineLimits() {
+        RecipeStore store;
+        TFormRecipeAddOrEditIngredientFF dialog;
+        dialog.show();
+        QCOMPARE(dialog.windowTitle(), GetText("CaptionAddIngredient"));
+        auto* unit = child<QComboBox>(dialog, "ComboBoxUnit");
+        QCOMPARE(items(unit), (QStringList{"cup", "tbl"}));
+        QTest::keyClicks(unit->lineEdit(), "thirteenchars");
+        QCOMPARE(unit->currentText(), QStringLiteral("thirteenchar"));
+        auto* fraction = child<QComboBox>(dialog, "ComboBoxAmount");
+        QCOMPARE(fraction->count(), 22);
+        QCOMPARE(fraction->itemText(0), QString());
+        QCOMPARE(fraction->itemText(21), QStringLiteral("7/8"));
+        auto* amount = child<QLineEdit>(dialog, "MaskEditAmount");
+        QTest::keyClicks(amount, "12x345");
+        QCOMPARE(amount->text(), QStringLiteral("1234"));
+        auto* name = child<QLineEdit>(dialog, "EditIngredient");
+        auto* ok = child<QPushButton>(dialog, "BitBtnOk");
+        QVERIFY(!ok->isEnabled());
+        name->setText(QString(300, QLatin1Char('n')));
+        QCOMPARE(name->text().size(), 254);
+        QVERIFY(ok->isEnabled());
+        fraction->setCurrentIndex(fraction->findText("2/3"));
+        clickOk(dialog);
+        QCOMPARE(dialog.ingredient,
+                 QStringLiteral("1234 2/3  thirteenchar  ") + QString(254, QLatin1Char('n')));
+    }
+
+    // Text not made by the dialog is cut by the columns whatever they hold.
+    void freeFormLineFromImportedText() {
+        RecipeStore store;
+        TFormRecipeAddOrEditIngredientFF dialog;
+        dialog.ingredient = QStringLiteral("2 large eggs, beaten");
+        dialog.show();
+        QCOMPARE(dialog.windowTitle(), GetText("CaptionEditIngredient"));
+        QCOMPARE(child<QLineEdit>(dialog, "MaskEditAmount")->text(), QStringLiteral("2 la"));
+        QCOMPARE(child<QComboBox>(dialog, "ComboBoxAmount")->currentText(), QStringLiteral("ge "));
+        QCOMPARE(child<QComboBox>(dialog, "ComboBoxUnit")->currentText(), QStringLiteral("gs, beaten"));
+        QCOMPARE(child<QLineEdit>(dialog, "EditIngredient")->text(), QString());
+        QVERIFY(!child<QPushButton>(dialog, "BitBtnOk")->isEnabled());
+    }
+
+    // Choosing a recipe (mode 3, the one every caller runs): no servings box, the group's recipes
+    // that the menu doesn't hold, and the current row's recipe on OK.
+    void recipeChoice() {
+        RecipeStore store;
+        store.exec({"INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 7, 100001, 2 )"});
+        TFormAddOrEditRecipe dialog;
+        QCOMPARE(dialog.mode, 3);
+        QCOMPARE(dialog.servings, 0.0);
+        dialog.menuId = 7;
+        dialog.show();
+        QCOMPARE(dialog.windowTitle(), GetText("CaptionSelectRecipe"));
+        QVERIFY(!child<QLineEdit>(dialog, "EditServings")->isVisible());
+        QVERIFY(!child<QLabel>(dialog, "LabelServings")->isVisible());
+        auto* tree = child<TVintraDBTreeView>(dialog, "TreeViewRecipeGroups");
+        QCOMPARE(tree->RootNode()->text(0), QStringLiteral("Root"));
+        QCOMPARE(dialog.QueryRecipes.RecordCount(), 0);
+        QVERIFY(!child<QPushButton>(dialog, "BitBtnOk")->isEnabled());
+        QVERIFY(tree->Locate(1));
+        QCOMPARE(names(dialog.QueryRecipes, "recName"), (QStringList{"Batter", "Soup notes"}));
+        QVERIFY(dialog.QueryRecipes.Locate("recId", 100002));
+        clickOk(dialog);
+        QCOMPARE(dialog.recId, 100002);
+        QCOMPARE(dialog.recName, QStringLiteral("Soup notes"));
+        QCOMPARE(dialog.servings, 0.0);
+
+        // Mode 2 stays in the dialog: the bottom panel alone with the servings.
+        TFormAddOrEditRecipe edit;
+        edit.mode = 2;
+        edit.recId = 100001;
+        edit.servings = 3;
+        edit.show();
+        QCOMPARE(edit.windowTitle(), GetText("CaptionEditMenu"));
+        QCOMPARE(child<QLineEdit>(edit, "EditServings")->text(), QStringLiteral("3"));
+        child<QLineEdit>(edit, "EditServings")->setText("5.7");
+        clickOk(edit);
+        QCOMPARE(edit.recId, 100001);
+        QCOMPARE(edit.servings, 0.0);
+    }
+
+    // The rich-text editor writes into the bound field, formatting included; the post saves it.
+    void richTextEditorBoundToField() {
+        RecipeStore store;
+        qm::Dataset table;
+        table.SetDatabase(&store.db());
+        table.SetTableName("Recipes");
+        table.Open();
+        QVERIFY(table.Locate("recId", 100004));
+        TFormRichTextDBEditor editor;
+        editor.SetDataSource(&table);
+        editor.SetDataField("recPrep");
+        editor.show();
+        QTextEdit* text = editor.Editor()->Editor();
+        QTest::keyClicks(text, "Whisk well");
+        QCOMPARE(table.State(), qm::dsEdit);
+        text->selectAll();
+        editor.Editor()->ToggleBold();
+        QVERIFY(editor.Editor()->ActionBold()->isChecked());
+        editor.Editor()->ToggleBullets();
+        QVERIFY(editor.Editor()->ActionBullets()->isChecked());
+        editor.Editor()->SetAlignment(Qt::AlignHCenter);
+        QVERIFY(editor.Editor()->ActionAlignCenter()->isChecked());
+        clickOk(editor);
+        QVERIFY(table.Post());
+        const QString stored =
+            store.db().scalar("SELECT recPrep FROM Recipes WHERE recId = 100004").toString();
+        QVERIFY(stored.contains("Whisk well"));
+        QVERIFY(stored.contains("font-weight:700"));
+        QVERIFY(stored.contains("<ul"));
+        QVERIFY(stored.contains("align=\"center\""));
+
+        // Shown again, the document comes back as it was formatted.
+        TVintraRichEdit again;
+        again.SetDataSource(&table);
+        again.SetDataField("recPrep");
+        QCOMPARE(again.Editor()->toPlainText(), QStringLiteral("Whisk well"));
+        QVERIFY(again.Editor()->document()->begin().textList());
+        again.Clear();
+        QCOMPARE(table.FieldByName("recPrep").IsNull(), true);
+    }
+
+    // Categories: new ones are numbered by the counter and need a name; one in use goes only after
+    // the cascade question, and out of every recipe; no option is asked.
+    void categoryList() {
+        RecipeStore store;
+        store.exec({"INSERT INTO Categories ( catId, catName ) VALUES ( 1, 'Quick' ), ( 2, 'Vegan' )",
+                    "INSERT INTO RecCat ( recId, catId ) VALUES ( 100001, 1 ), ( 100004, 1 )",
+                    "INSERT INTO PKeys ( keyId, keyValue ) VALUES ( 'Categories', 40 )"});
+        store.holder().VintraOptions.SetAsBoolean("ConfirmDeletionRecipe", false);
+        TScriptedPresenter presenter;
+        TFormCategories form;
+        form.show();
+        QCOMPARE(names(form.TableCategories, "catName"), (QStringList{"Quick", "Vegan"}));
+
+        // A new name is typed into the grid's cell, as a user does; Enter posts it.
+        form.InsertCategory();
+        QCOMPARE(form.TableCategories.FieldByName("catId").AsInteger(), 41);
+        auto* cell = form.Grid()->findChild<QLineEdit*>();
+        QVERIFY(cell);
+        QTest::keyClick(cell, Qt::Key_Return);
+        // The delegate commits on the next turn of the loop and deletes its editor later still.
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(presenter.texts(TMessagePresenter::Error),
+                 QStringList{GetText("ErrorEmptyField").replace("%s", "category name")});
+        QCOMPARE(form.TableCategories.State(), qm::dsInsert);
+        form.Grid()->edit(form.Grid()->currentIndex());
+        cell = form.Grid()->findChild<QLineEdit*>();
+        QVERIFY(cell);
+        QTest::keyClicks(cell, "Baking");
+        QTest::keyClick(cell, Qt::Key_Return);
+        QCoreApplication::processEvents();
+        QCOMPARE(form.TableCategories.State(), qm::dsBrowse);
+        QCOMPARE(store.count("SELECT catId FROM Categories WHERE catName = 'Baking'"), 41);
+
+        presenter.clear();
+        presenter.answers = {mrNo};
+        QVERIFY(form.TableCategories.Locate("catId", 1));
+        form.DeleteCategory();
+        QCOMPARE(presenter.texts(), QStringList{GetText("QuestionDeleteCategoryCascade")});
+        QCOMPARE(store.count("SELECT COUNT(*) FROM RecCat"), 2);
+        presenter.answers = {mrYes};
+        form.DeleteCategory();
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Categories WHERE catId = 1"), 0);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM RecCat"), 0);
+
+        presenter.clear();
+        presenter.answers = {mrYes};
+        QVERIFY(form.TableCategories.Locate("catId", 2));
+        form.DeleteCategory();
+        QCOMPARE(presenter.texts(), QStringList{GetText("QuestionDeleteCategory")});
+        QCOMPARE(names(form.TableCategories, "catName"), QStringList{"Baking"});
+    }
+
+    // Assign and remove move a category across; the last one assigned turns the button off; the
+    // list edited from here shows its new names at once.
+    void recipeCategories() {
+        RecipeStore store;
+        store.exec({"INSERT INTO Categories ( catId, catName ) VALUES ( 1, 'Quick' ), ( 2, 'Vegan' )",
+                    "INSERT INTO RecCat ( recId, catId ) VALUES ( 100004, 2 )"});
+        TFormRecipeCategories dialog;
+        dialog.recId = 100001;
+        dialog.show();
+        auto* assign = child<QPushButton>(dialog, "SpeedButtonAssign");
+        auto* remove = child<QPushButton>(dialog, "SpeedButtonRemove");
+        QCOMPARE(names(dialog.QueryAvailableCategories, "catName"), (QStringList{"Quick", "Vegan"}));
+        QVERIFY(!remove->isEnabled());
+        QVERIFY(dialog.QueryAvailableCategories.Locate("catId", 2));
+        QTest::mouseClick(assign, Qt::LeftButton);
+        QCOMPARE(names(dialog.QueryAssignedCategories, "catName"), QStringList{"Vegan"});
+        QVERIFY(remove->isEnabled());
+        QTest::mouseClick(assign, Qt::LeftButton);
+        QCOMPARE(names(dialog.QueryAssignedCategories, "catName"), (QStringList{"Quick", "Vegan"}));
+        QVERIFY(!assign->isEnabled());
+        QCOMPARE(store.count("SELECT COUNT(*) FROM RecCat WHERE recId = 100001"), 2);
+
+        QVERIFY(dialog.QueryAssignedCategories.Locate("catId", 1));
+        QTest::mouseClick(remove, Qt::LeftButton);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM RecCat WHERE recId = 100001 AND catId = 1"), 0);
+        QCOMPARE(store.count("SELECT COUNT(*) FROM RecCat WHERE recId = 100004"), 1);
+        QVERIFY(assign->isEnabled());
+
+        DialogScript script;
+        script.steps = {[](QDialog& list) {
+            auto& form = static_cast<TFormCategories&>(list);
+            QVERIFY(form.TableCategories.Locate("catId", 1));
+            form.TableCategories.Edit();
+            form.TableCategories.FieldByName("catName").SetValue("Fast");
+            clickOk(form);
+        }};
+        QTest::mouseClick(child<QPushButton>(dialog, "BitBtnCategories"), Qt::LeftButton);
+        QCOMPARE(script.run, 1);
+        QCOMPARE(names(dialog.QueryAvailableCategories, "catName"), QStringList{"Fast"});
+    }
+};
+
+QTEST_MAIN(TestRecipeDialogs)
+#include "test_recipe_dialogs.moc"
