@@ -23,7 +23,8 @@ double medianMicros(int runs, const std::function<void()>& work) {
     for (int i = 0; i < runs; ++i) {
         const auto start = std::chrono::steady_clock::now();
         work();
-        times.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
+        times.push_back(
+            std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
     }
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
@@ -37,7 +38,8 @@ void benchDataModuleCreate() {
     QTemporaryDir dir;
     const QString root = dir.path() + QLatin1Char('/');
     QDir().mkpath(root + QStringLiteral("Database"));
-    QFile::copy(QStringLiteral(QM_BIN_DIR "/delivered/Hearthnote.db"), root + QStringLiteral("Database/Hearthnote.db"));
+    QFile::copy(QStringLiteral(QM_BIN_DIR "/delivered/Hearthnote.db"),
+                root + QStringLiteral("Database/Hearthnote.db"));
     QFile::copy(QStringLiteral(QM_BIN_DIR "/delivered/DatabaseUpdate.xml"),
                 root + QStringLiteral("Database/DatabaseUpdate.xml"));
     TFormResourceHolder holder;
@@ -53,7 +55,8 @@ void benchDataModuleCreate() {
         sqlite3_open(file.constData(), &db);
         sqlite3_exec(db, "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
         sqlite3_stmt* st = nullptr;
-        sqlite3_prepare_v2(db, "SELECT keyValue FROM PKeys WHERE keyId = 'DatabaseVersion'", -1, &st, nullptr);
+        sqlite3_prepare_v2(db, "SELECT keyValue FROM PKeys WHERE keyId = 'DatabaseVersion'", -1, &st,
+                           nullptr);
         sqlite3_step(st);
         sqlite3_finalize(st);
         sqlite3_close(db);
@@ -66,18 +69,31 @@ void benchIngredientInMenu() {
     TestStore store;
     QStringList setup = {
         "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
-        "( 1, 'gram', 'g', 'g', 1, 1 ), ( 2, 'kilogram', 'kg', 'kg', 1, 1000 ), ( 9, 'cup', 'cup', 'c', 2, NULL )"};
+        "( 1, 'gram', 'g', 'g', 1, 1 ), ( 2, 'kilogram', 'kg', 'kg', 1, 1000 ), ( 9, 'cup', 'cup', 'c', 2, "
+        "NULL )"};
     for (int i = 1; i <= 40; ++i) {
-        setup << QStringLiteral("INSERT INTO Ingreds ( ingredId, ingredName, unitId, ingredPrice ) VALUES ( %1, 'I%1', 2, 1.5 )").arg(i);
-        setup << QStringLiteral("INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 9, %1, %2 )").arg(i).arg(100 + i);
+        setup << QStringLiteral("INSERT INTO Ingreds ( ingredId, ingredName, unitId, ingredPrice ) VALUES ( "
+                                "%1, 'I%1', 2, 1.5 )")
+                     .arg(i);
+        setup << QStringLiteral("INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 9, %1, %2 )")
+                     .arg(i)
+                     .arg(100 + i);
     }
     for (int r = 1; r <= 20; ++r) {
-        setup << QStringLiteral("INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( %1, 'R%1', 4, 0 )").arg(r);
-        setup << QStringLiteral("INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 1, %1, %2 )").arg(r).arg(2 + r % 5);
+        setup << QStringLiteral("INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( "
+                                "%1, 'R%1', 4, 0 )")
+                     .arg(r);
+        setup << QStringLiteral("INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 1, %1, %2 )")
+                     .arg(r)
+                     .arg(2 + r % 5);
         for (int l = 0; l < 10; ++l) {
             const int ingred = 1 + (r * 7 + l * 3) % 40;
-            setup << QStringLiteral("INSERT OR IGNORE INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( %1, %2, %3, %4 )")
-                         .arg(r).arg(ingred).arg(1 + l).arg(l % 2 ? 9 : 1);
+            setup << QStringLiteral("INSERT OR IGNORE INTO Contents ( recId, ingredId, amount, unitId ) "
+                                    "VALUES ( %1, %2, %3, %4 )")
+                         .arg(r)
+                         .arg(ingred)
+                         .arg(1 + l)
+                         .arg(l % 2 ? 9 : 1);
         }
     }
     store.exec(setup);
@@ -100,12 +116,13 @@ void benchIngredientInMenu() {
                 base = sqlite3_column_double(st, 2);
             sqlite3_finalize(st);
             const QByteArray sql =
-                qm::format(QString::fromLatin1(DataModuleSql::IngredientInMenu), {1, i, i, i, 1, i, i}).toUtf8();
+                qm::format(QString::fromLatin1(DataModuleSql::IngredientInMenu), {1, i, i, i, 1, i, i})
+                    .toUtf8();
             sqlite3_prepare_v2(db, sql.constData(), -1, &st, nullptr);
             double total = 0;
             while (sqlite3_step(st) == SQLITE_ROW)
-                total += double(sqlite3_column_int(st, 0)) / sqlite3_column_int(st, 2) * sqlite3_column_double(st, 1) *
-                         sqlite3_column_double(st, 3);
+                total += double(sqlite3_column_int(st, 0)) / sqlite3_column_int(st, 2) *
+                         sqlite3_column_double(st, 1) * sqlite3_column_double(st, 3);
             sqlite3_finalize(st);
             (void)(total / base);
         }

@@ -107,7 +107,8 @@ int Recalc(Context& c, const QStringList& args) {
         return 2;
     }
     qm::Database& db = DataModuleMain->KADaoDatabase;
-    if (db.scalar(QStringLiteral("SELECT COUNT(*) FROM Recipes WHERE recId = :recId"), {{QStringLiteral("recId"), recId}})
+    if (db.scalar(QStringLiteral("SELECT COUNT(*) FROM Recipes WHERE recId = :recId"),
+                  {{QStringLiteral("recId"), recId}})
             .toInt() == 0) {
         c.err << "no recipe " << recId << '\n';
         return 1;
@@ -146,8 +147,8 @@ int Options(Context& c) {
         const auto text = [&option](const QVariant& v) {
             return option.type == 1 ? QString::fromLatin1(v.toBool() ? "true" : "false") : v.toString();
         };
-        c.out << option.name << '\t' << typeNames[qBound(0, option.type, 2)] << '\t' << text(option.defaultValue)
-              << '\t' << text(option.value) << '\n';
+        c.out << option.name << '\t' << typeNames[qBound(0, option.type, 2)] << '\t'
+              << text(option.defaultValue) << '\t' << text(option.value) << '\n';
     }
     return 0;
 }

@@ -55,10 +55,16 @@ int main(int argc, char** argv) {
         return args.isEmpty() ? 2 : 0;
     }
     const QString command = args.takeFirst();
-    static const QStringList known = {QStringLiteral("init"), QStringLiteral("sql"), QStringLiteral("new-id"),
-                                      QStringLiteral("ingredient-in-menu"), QStringLiteral("ingredient-for-date"),
-                                      QStringLiteral("options"), QStringLiteral("recalc"), QStringLiteral("import-price-list"),
-                                      QStringLiteral("search-recipes"), QStringLiteral("search-ingredients")};
+    static const QStringList known = {QStringLiteral("init"),
+                                      QStringLiteral("sql"),
+                                      QStringLiteral("new-id"),
+                                      QStringLiteral("ingredient-in-menu"),
+                                      QStringLiteral("ingredient-for-date"),
+                                      QStringLiteral("options"),
+                                      QStringLiteral("recalc"),
+                                      QStringLiteral("import-price-list"),
+                                      QStringLiteral("search-recipes"),
+                                      QStringLiteral("search-ingredients")};
     if (!known.contains(command)) {
         err << "unknown command: " << command << '\n' << Usage;
         return 2;

@@ -59,7 +59,8 @@ bool nutrientLimit(const QString& text, QMap<QString, TNutrientLimit>& limits) {
     return true;
 }
 
-int runStatement(Context& c, const QString& statement, bool printSql, const char* idColumn, const char* nameColumn) {
+int runStatement(Context& c, const QString& statement, bool printSql, const char* idColumn,
+                 const char* nameColumn) {
     if (printSql) {
         c.out << statement;
         return 0;
@@ -123,9 +124,9 @@ int SearchRecipes(Context& c, const QStringList& args) {
         c.err << (error.isEmpty() ? QStringLiteral("bad option: ") + name : error) << '\n' << RecipeUsage;
         return 2;
     }
-    criteria.groupChildrenIds = ChildrenIds(DataModuleMain->KADaoDatabase, QStringLiteral("RGroups"),
-                                            QStringLiteral("recGroupId"), QStringLiteral("recGroupName"),
-                                            criteria.groupKey);
+    criteria.groupChildrenIds =
+        ChildrenIds(DataModuleMain->KADaoDatabase, QStringLiteral("RGroups"), QStringLiteral("recGroupId"),
+                    QStringLiteral("recGroupName"), criteria.groupKey);
     return runStatement(c, StatementText(BuildRecipeSearchLines(criteria)), printSql, "recId", "recName");
 }
 
@@ -156,10 +157,11 @@ int SearchIngredients(Context& c, const QStringList& args) {
         c.err << (error.isEmpty() ? QStringLiteral("bad option: ") + name : error) << '\n' << IngredientUsage;
         return 2;
     }
-    criteria.typeChildrenIds = ChildrenIds(DataModuleMain->KADaoDatabase, QStringLiteral("ITypes"),
-                                           QStringLiteral("ingredTypeId"), QStringLiteral("ingredTypeName"),
-                                           criteria.typeKey);
-    return runStatement(c, StatementText(BuildIngredientSearchLines(criteria)), printSql, "ingredId", "ingredName");
+    criteria.typeChildrenIds =
+        ChildrenIds(DataModuleMain->KADaoDatabase, QStringLiteral("ITypes"), QStringLiteral("ingredTypeId"),
+                    QStringLiteral("ingredTypeName"), criteria.typeKey);
+    return runStatement(c, StatementText(BuildIngredientSearchLines(criteria)), printSql, "ingredId",
+                        "ingredName");
 }
 
 } // namespace cli

@@ -14,7 +14,9 @@ namespace {
 
 QAtomicInt g_connectionCounter;
 
-bool isNameChar(QChar c) { return c.isLetterOrNumber() || c == QLatin1Char('_'); }
+bool isNameChar(QChar c) {
+    return c.isLetterOrNumber() || c == QLatin1Char('_');
+}
 
 sqlite3* nativeHandle(const QSqlDatabase& db) {
     const QVariant handle = db.driver()->handle();
@@ -46,7 +48,8 @@ QString bindNamedParameters(const QString& sql, const SqlParams& params, QVarian
     const qsizetype n = sql.size();
     for (qsizetype i = 0; i < n; ++i) {
         const QChar c = sql.at(i);
-        if (c == QLatin1Char('\'') || c == QLatin1Char('"') || c == QLatin1Char('[') || c == QLatin1Char('`')) {
+        if (c == QLatin1Char('\'') || c == QLatin1Char('"') || c == QLatin1Char('[') ||
+            c == QLatin1Char('`')) {
             // Literals and quoted names pass unchanged; a doubled quote stays inside the literal.
             const QChar close = c == QLatin1Char('[') ? QLatin1Char(']') : c;
             out += c;
@@ -65,7 +68,8 @@ QString bindNamedParameters(const QString& sql, const SqlParams& params, QVarian
             i = j;
             continue;
         }
-        if (c == QLatin1Char(':') && i + 1 < n && (sql.at(i + 1).isLetter() || sql.at(i + 1) == QLatin1Char('_')) &&
+        if (c == QLatin1Char(':') && i + 1 < n &&
+            (sql.at(i + 1).isLetter() || sql.at(i + 1) == QLatin1Char('_')) &&
             (i == 0 || sql.at(i - 1) != QLatin1Char(':'))) {
             qsizetype j = i + 1;
             while (j < n && isNameChar(sql.at(j)))
@@ -90,7 +94,9 @@ QString bindNamedParameters(const QString& sql, const SqlParams& params, QVarian
 
 Database::Database() : m_name(QStringLiteral("qm-%1").arg(g_connectionCounter.fetchAndAddRelaxed(1))) {}
 
-Database::~Database() { close(); }
+Database::~Database() {
+    close();
+}
 
 void Database::open(const QString& path) {
     close();
@@ -133,7 +139,9 @@ bool Database::isOpen() const {
     return QSqlDatabase::contains(m_name) && QSqlDatabase::database(m_name, false).isOpen();
 }
 
-QSqlDatabase Database::connection() const { return QSqlDatabase::database(m_name, false); }
+QSqlDatabase Database::connection() const {
+    return QSqlDatabase::database(m_name, false);
+}
 
 QSqlQuery Database::run(const QString& sql, const SqlParams& params) {
     if (!isOpen())

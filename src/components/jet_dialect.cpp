@@ -7,7 +7,9 @@ namespace qm {
 
 namespace {
 
-bool sameLetter(QChar a, QChar b) { return a == b || a.toCaseFolded() == b.toCaseFolded(); }
+bool sameLetter(QChar a, QChar b) {
+    return a == b || a.toCaseFolded() == b.toCaseFolded();
+}
 
 // Matches a bracket class starting at pattern[p] == '['; sets end past ']'. A class without its
 // closing bracket is taken as a literal '['.
@@ -23,7 +25,8 @@ bool matchClass(const QString& pattern, qsizetype p, QChar c, qsizetype& end, bo
     while (q < pattern.size() && (first || pattern.at(q) != QLatin1Char(']'))) {
         first = false;
         const QChar lo = pattern.at(q);
-        if (q + 2 < pattern.size() && pattern.at(q + 1) == QLatin1Char('-') && pattern.at(q + 2) != QLatin1Char(']')) {
+        if (q + 2 < pattern.size() && pattern.at(q + 1) == QLatin1Char('-') &&
+            pattern.at(q + 2) != QLatin1Char(']')) {
             const QChar hi = pattern.at(q + 2);
             const QChar folded = c.toCaseFolded();
             if ((c >= lo && c <= hi) || (folded >= lo.toCaseFolded() && folded <= hi.toCaseFolded()))
@@ -134,7 +137,8 @@ void dateDiffFunction(sqlite3_context* context, int, sqlite3_value** argv) {
     } else if (interval == QLatin1String("h")) {
         sqlite3_result_int64(context, sqlite3_int64(std::floor(b * 24)) - sqlite3_int64(std::floor(a * 24)));
     } else if (interval == QLatin1String("n")) {
-        sqlite3_result_int64(context, sqlite3_int64(std::floor(b * 1440)) - sqlite3_int64(std::floor(a * 1440)));
+        sqlite3_result_int64(context,
+                             sqlite3_int64(std::floor(b * 1440)) - sqlite3_int64(std::floor(a * 1440)));
     } else {
         sqlite3_result_error(context, "DATEDIFF: unsupported interval", -1);
     }
@@ -151,15 +155,20 @@ void chrFunction(sqlite3_context* context, int, sqlite3_value** argv) {
 
 } // namespace
 
-bool jetLike(const QString& pattern, const QString& text) { return matchFrom(pattern, 0, text, 0); }
+bool jetLike(const QString& pattern, const QString& text) {
+    return matchFrom(pattern, 0, text, 0);
+}
 
 bool installJetDialect(sqlite3* handle) {
     const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-    return sqlite3_create_function(handle, "like", 2, flags, nullptr, likeFunction, nullptr, nullptr) == SQLITE_OK &&
-           sqlite3_create_function(handle, "like", 3, flags, nullptr, likeFunction, nullptr, nullptr) == SQLITE_OK &&
-           sqlite3_create_function(handle, "datediff", 3, flags, nullptr, dateDiffFunction, nullptr, nullptr) ==
+    return sqlite3_create_function(handle, "like", 2, flags, nullptr, likeFunction, nullptr, nullptr) ==
                SQLITE_OK &&
-           sqlite3_create_function(handle, "chr", 1, flags, nullptr, chrFunction, nullptr, nullptr) == SQLITE_OK;
+           sqlite3_create_function(handle, "like", 3, flags, nullptr, likeFunction, nullptr, nullptr) ==
+               SQLITE_OK &&
+           sqlite3_create_function(handle, "datediff", 3, flags, nullptr, dateDiffFunction, nullptr,
+                                   nullptr) == SQLITE_OK &&
+           sqlite3_create_function(handle, "chr", 1, flags, nullptr, chrFunction, nullptr, nullptr) ==
+               SQLITE_OK;
 }
 
 } // namespace qm

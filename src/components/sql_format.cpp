@@ -68,7 +68,8 @@ QString format(const QString& pattern, const QVariantList& args) {
             out += c; // not a conversion we know: keep the text as it stands
             continue;
         }
-        out += formatOne(flags, width, precision, pattern.at(j), next < args.size() ? args.at(next) : QVariant());
+        out += formatOne(flags, width, precision, pattern.at(j),
+                         next < args.size() ? args.at(next) : QVariant());
         ++next;
         i = j;
     }

@@ -16,9 +16,12 @@ const std::array<const char*, NutrientCount> NutrientSet = {
 
 namespace NutrientSql {
 const char* const RecipeLines =
-    "SELECT C.ingredId, C.amount, U.unitId, U.unitType, U.unitConv, \n   I.nutCal, I.nutTotalFat, I.nutCholesterol, "
-    "\n   I.nutTotalCarbo, I.nutDietaryFiber, I.nutProtein, \n   I.nutVitaminA, I.nutVitaminB6, I.nutVitaminB12, \n"
-    "   I.nutVitaminC, I.nutVitaminD, I.nutVitaminE, \n   I.nutSodium, I.nutMagnesium, I.nutIron, I.nutPotassium, "
+    "SELECT C.ingredId, C.amount, U.unitId, U.unitType, U.unitConv, \n   I.nutCal, I.nutTotalFat, "
+    "I.nutCholesterol, "
+    "\n   I.nutTotalCarbo, I.nutDietaryFiber, I.nutProtein, \n   I.nutVitaminA, I.nutVitaminB6, "
+    "I.nutVitaminB12, \n"
+    "   I.nutVitaminC, I.nutVitaminD, I.nutVitaminE, \n   I.nutSodium, I.nutMagnesium, I.nutIron, "
+    "I.nutPotassium, "
     "I.nutCalcium \nFROM Units U, Contents C, Ingreds I \nWHERE C.recId = %d \n   AND C.unitId = U.unitId \n"
     "   AND C.ingredId = I.ingredId";
 const char* const LineGrams = "SELECT grams \nFROM Convs \nWHERE unitId = %d \n   AND ingredId = %d";
@@ -58,7 +61,8 @@ TNutrientValues RecipeNutrientSums(qm::Database& db, int recId) {
             weight = UnitConvAsInteger(lines.value(4));
         } else {
             // No row reads as 0 grams, so the line adds nothing.
-            weight = db.scalar(qm::format(QString::fromLatin1(NutrientSql::LineGrams), {unitId, ingredId})).toDouble();
+            weight = db.scalar(qm::format(QString::fromLatin1(NutrientSql::LineGrams), {unitId, ingredId}))
+                         .toDouble();
         }
         const double factor = LineFactor(amount, weight);
         for (int i = 0; i < NutrientCount; ++i) {
@@ -71,7 +75,8 @@ TNutrientValues RecipeNutrientSums(qm::Database& db, int recId) {
 
 TNutrientValues PerServing(const TNutrientValues& sums, int recServings) {
     if (recServings == 0)
-        throw std::domain_error(sums[0] == 0 ? "Invalid floating point operation" : "Floating point division by zero");
+        throw std::domain_error(sums[0] == 0 ? "Invalid floating point operation"
+                                             : "Floating point division by zero");
     TNutrientValues values{};
     for (int i = 0; i < NutrientCount; ++i)
         values[i] = static_cast<double>(static_cast<long double>(sums[i]) / recServings);
@@ -85,7 +90,8 @@ bool RecalculateStoredRecipe(qm::Database& db, int recId) {
     const QVariant freeForm = recipe.rows.first().at(0);
     if (freeForm.isNull() || freeForm.toBool())
         return false;
-    const TNutrientValues values = PerServing(RecipeNutrientSums(db, recId), recipe.rows.first().at(1).toInt());
+    const TNutrientValues values =
+        PerServing(RecipeNutrientSums(db, recId), recipe.rows.first().at(1).toInt());
     QStringList assignments;
     qm::SqlParams params{{QStringLiteral("recId"), recId}};
     for (int i = 0; i < NutrientCount; ++i) {

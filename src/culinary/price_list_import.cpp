@@ -7,7 +7,8 @@
 #include <QXmlStreamReader>
 
 namespace PriceListSql {
-const char* const UpdatePrice = "UPDATE Ingreds \nSET ingredPrice = :ingredPrice \nWHERE ingredId = :ingredId";
+const char* const UpdatePrice =
+    "UPDATE Ingreds \nSET ingredPrice = :ingredPrice \nWHERE ingredId = :ingredId";
 }
 
 namespace {

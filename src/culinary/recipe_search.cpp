@@ -6,13 +6,13 @@
 #include <QCollator>
 #include <QHash>
 #include <QSet>
-#include <functional>
 #include <algorithm>
+#include <functional>
 
 const QStringList SearchNutrientOrder = {
-    "nutCal",      "nutTotalFat",  "nutCholesterol", "nutTotalCarbo", "nutProtein",   "nutDietaryFiber",
-    "nutSodium",   "nutMagnesium", "nutIron",        "nutPotassium",  "nutCalcium",   "nutVitaminA",
-    "nutVitaminB6", "nutVitaminB12", "nutVitaminC",  "nutVitaminD",   "nutVitaminE"};
+    "nutCal",       "nutTotalFat",   "nutCholesterol", "nutTotalCarbo", "nutProtein", "nutDietaryFiber",
+    "nutSodium",    "nutMagnesium",  "nutIron",        "nutPotassium",  "nutCalcium", "nutVitaminA",
+    "nutVitaminB6", "nutVitaminB12", "nutVitaminC",    "nutVitaminD",   "nutVitaminE"};
 
 namespace {
 
@@ -20,8 +20,9 @@ const char* const RecipeSelect =
     "SELECT recId, recGroupId, recName, recTime, recServings, recPrice \nFROM Recipes \nWHERE 1 = 1 \n";
 const char* const RecipeName = " AND recName LIKE '*%s*'";
 const char* const RecipeGroups = " AND recGroupId IN (%s)";
-const char* const BelongsTo = "   AND recId IN \n   ( \n      SELECT recId \n      FROM RecCat \n      WHERE catId = %d \n"
-                              "   ) \n";
+const char* const BelongsTo =
+    "   AND recId IN \n   ( \n      SELECT recId \n      FROM RecCat \n      WHERE catId = %d \n"
+    "   ) \n";
 const char* const NotBelongsTo = "   AND recId NOT IN \n   ( \n      SELECT recId \n      FROM RecCat \n"
                                  "      WHERE catId IN ( %s ) \n   ) \n";
 const char* const PrepTime = " AND recTime <= %s";
@@ -128,10 +129,10 @@ QString StatementText(const QStringList& lines) {
     return text;
 }
 
-QString ChildrenIds(qm::Database& db, const QString& table, const QString& keyColumn, const QString& nameColumn,
-                    int key) {
-    const qm::SqlRows rows =
-        db.select(qm::format(QStringLiteral("SELECT %s, %s, parentId FROM %s"), {keyColumn, nameColumn, table}));
+QString ChildrenIds(qm::Database& db, const QString& table, const QString& keyColumn,
+                    const QString& nameColumn, int key) {
+    const qm::SqlRows rows = db.select(
+        qm::format(QStringLiteral("SELECT %s, %s, parentId FROM %s"), {keyColumn, nameColumn, table}));
     QHash<int, QList<QPair<QString, int>>> children;
     for (const QVariantList& row : rows.rows)
         children[row.at(2).toInt()] << qMakePair(row.at(1).toString(), row.at(0).toInt());
@@ -141,8 +142,9 @@ QString ChildrenIds(qm::Database& db, const QString& table, const QString& keyCo
     QSet<int> seen{key};
     std::function<void(int)> walk = [&](int parent) {
         auto list = children.value(parent);
-        std::sort(list.begin(), list.end(),
-                  [&collator](const auto& a, const auto& b) { return collator.compare(a.first, b.first) < 0; });
+        std::sort(list.begin(), list.end(), [&collator](const auto& a, const auto& b) {
+            return collator.compare(a.first, b.first) < 0;
+        });
         for (const auto& child : list) {
             if (seen.contains(child.second))
                 continue; // a cycle in the parent links would never end

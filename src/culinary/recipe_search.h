@@ -23,7 +23,7 @@ extern const QStringList SearchNutrientOrder;
 struct TRecipeSearchCriteria {
     QString pattern;
     bool allGroups = true;
-    int groupKey = 0;        ///< the tree's current key; 0 is the root
+    int groupKey = 0;         ///< the tree's current key; 0 is the root
     QString groupChildrenIds; ///< GetChildrenIds of the tree at groupKey
     QList<int> belongsTo, notBelongsTo;
     QString prepTime, servings;
@@ -52,5 +52,5 @@ QString QuotePatternApostrophes(const QString& pattern);
 
 /// The key and every key below it in a group table, as a list for IN: the key first, then the
 /// children depth first in alphabetical order, joined by ", ".
-QString ChildrenIds(qm::Database& db, const QString& table, const QString& keyColumn, const QString& nameColumn,
-                    int key);
+QString ChildrenIds(qm::Database& db, const QString& table, const QString& keyColumn,
+                    const QString& nameColumn, int key);

@@ -7,8 +7,8 @@
 namespace UnitConverter {
 
 struct Split {
-    int whole = 0;     ///< feet or pounds
-    double part = 0;   ///< inches or ounces, before the edit's mask cuts them
+    int whole = 0;   ///< feet or pounds
+    double part = 0; ///< inches or ounces, before the edit's mask cuts them
 };
 
 Split SplitLength(double centimetres);

@@ -70,8 +70,8 @@ bool SeedDataRoot(const TAppPaths& paths, QString& error) {
         error = QStringLiteral("Cannot create the folder %1").arg(databaseFolder);
         return false;
     }
-    for (const char* folder : {"Database/pic/rec", "Database/pic/ing", "Database/pic/usr", "Database/pic/tips",
-                               "KitchenAssistant", "URL"})
+    for (const char* folder : {"Database/pic/rec", "Database/pic/ing", "Database/pic/usr",
+                               "Database/pic/tips", "KitchenAssistant", "URL"})
         QDir().mkpath(paths.DataRootPath + QLatin1String(folder));
     const QString delivered = paths.ExecutablePath + QStringLiteral("delivered/");
     const QString script = databaseFolder + QStringLiteral("/DatabaseUpdate.xml");
@@ -95,6 +95,7 @@ bool SeedDataRoot(const TAppPaths& paths, QString& error) {
         error = QStringLiteral("Cannot copy the delivered database to %1").arg(database);
         return false;
     }
-    QFile(database).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
+    QFile(database).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
+                                   QFile::ReadOther);
     return true;
 }

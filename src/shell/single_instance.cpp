@@ -6,11 +6,13 @@
 #include <QLocalSocket>
 #include <unistd.h>
 
-TVintraSingleInstance::TVintraSingleInstance(const QString& executableName, QObject* parent) : QObject(parent) {
+TVintraSingleInstance::TVintraSingleInstance(const QString& executableName, QObject* parent)
+    : QObject(parent) {
     // Named after the executable and the user, as the shared memory of a Windows session would be.
     const QByteArray key = executableName.toUtf8() + '-' + QByteArray::number(uint(getuid()));
-    m_serverName = QStringLiteral("quillmeal-") +
-                   QString::fromLatin1(QCryptographicHash::hash(key, QCryptographicHash::Sha1).toHex().left(16));
+    m_serverName =
+        QStringLiteral("quillmeal-") +
+        QString::fromLatin1(QCryptographicHash::hash(key, QCryptographicHash::Sha1).toHex().left(16));
 }
 
 TVintraSingleInstance::~TVintraSingleInstance() = default;

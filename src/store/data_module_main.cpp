@@ -1,8 +1,8 @@
 #include "store/data_module_main.h"
 
+#include "components/day_number.h"
 #include "components/messages.h"
 #include "components/sql_format.h"
-#include "components/day_number.h"
 #include "store/resource_holder.h"
 
 #include <QDir>
@@ -22,27 +22,34 @@ const char* const CountRecords = "SELECT COUNT(*) AS recordCount \nFROM %s";
 const char* const RecipeGroupId = "SELECT recGroupId \nFROM Recipes \nWHERE recId = %d";
 const char* const IngredientTypeId = "SELECT ingredTypeId \nFROM Ingreds \nWHERE ingredId = %d";
 const char* const MenuGroupId = "SELECT menuGroupId \nFROM Menus \nWHERE menuId = %d";
-const char* const UserData = "SELECT userSex, userHeight, userBirthDate \nFROM PUsers \nWHERE userId = :userId";
+const char* const UserData =
+    "SELECT userSex, userHeight, userBirthDate \nFROM PUsers \nWHERE userId = :userId";
 const char* const IngredBaseUnit =
-    "SELECT U.unitId, U.unitName, U.unitConv AS grams, I.ingredPrice FROM Ingreds I, Units U WHERE I.ingredId = "
+    "SELECT U.unitId, U.unitName, U.unitConv AS grams, I.ingredPrice FROM Ingreds I, Units U WHERE "
+    "I.ingredId = "
     ":ingredId AND I.unitId = U.unitId AND U.unitType = 1 UNION SELECT U.unitId, U.unitName, C.grams, "
     "I.ingredPrice FROM Ingreds I, Convs C, Units U WHERE I.ingredId = :ingredId AND I.unitId = C.unitId AND "
     "I.unitId = U.unitId AND U.unitType = 2";
 const char* const IngredientInMenu =
     "SELECT RM.servings AS recAmount, C.amount AS ingredAmount, \n   R.recServings, CN.grams AS grams \n"
     "FROM RecMen RM, Recipes R, Contents C, Ingreds I, Units U, Convs CN \nWHERE RM.menuId = %d \n"
-    "   AND RM.recId = R.recId \n   AND R.recId = C.recId \n   AND C.ingredId = %d \n   AND I.ingredId = %d \n"
-    "   AND C.unitId = U.unitId \n   AND CN.unitId = U.unitId \n   AND CN.ingredId = %d \n   AND U.unitType = 2 \n"
+    "   AND RM.recId = R.recId \n   AND R.recId = C.recId \n   AND C.ingredId = %d \n   AND I.ingredId = %d "
+    "\n"
+    "   AND C.unitId = U.unitId \n   AND CN.unitId = U.unitId \n   AND CN.ingredId = %d \n   AND U.unitType "
+    "= 2 \n"
     "UNION \n"
     "SELECT RM.servings AS recAmount, C.amount AS ingredAmount, \n   R.recServings, U.unitConv AS grams \n"
-    "FROM RecMen RM, Recipes R, Contents C, Ingreds I, Units U \nWHERE RM.menuId = %d \n   AND RM.recId = R.recId \n"
-    "   AND R.recId = C.recId \n   AND C.ingredId = %d \n   AND I.ingredId = %d \n   AND C.unitId = U.unitId \n"
+    "FROM RecMen RM, Recipes R, Contents C, Ingreds I, Units U \nWHERE RM.menuId = %d \n   AND RM.recId = "
+    "R.recId \n"
+    "   AND R.recId = C.recId \n   AND C.ingredId = %d \n   AND I.ingredId = %d \n   AND C.unitId = U.unitId "
+    "\n"
     "   AND U.unitType = 1";
 const char* const IngredientForDate =
     "SELECT RD.servings AS recAmount, C.amount AS ingredAmount, \n   R.recServings, CN.grams AS grams \n"
     "FROM RecDate RD, Recipes R, Contents C, Ingreds I, Units U, Convs CN \n"
     "WHERE RD.dateScheduled BETWEEN %d AND %d \n   AND RD.recId = R.recId \n   AND R.recId = C.recId \n"
-    "   AND C.ingredId = %d \n   AND I.ingredId = %d \n   AND C.unitId = U.unitId \n   AND CN.unitId = U.unitId \n"
+    "   AND C.ingredId = %d \n   AND I.ingredId = %d \n   AND C.unitId = U.unitId \n   AND CN.unitId = "
+    "U.unitId \n"
     "   AND CN.ingredId = %d \n   AND U.unitType = 2 \n"
     "UNION \n"
     "SELECT RD.servings AS recAmount, C.amount AS ingredAmount, \n   R.recServings, U.unitConv AS grams \n"
@@ -53,11 +60,14 @@ const char* const IngredientForDate =
 
 namespace {
 
-const char* const UpdateQuestion = "Current database version is %4.02f\nDatabase version needed for this version\nof "
-                                   "Quillmeal is %4.02f,\nso database needs to be updated.\nThis operation may take a "
-                                   "few minutes.\n\nDo you want to proceed?";
+const char* const UpdateQuestion =
+    "Current database version is %4.02f\nDatabase version needed for this version\nof "
+    "Quillmeal is %4.02f,\nso database needs to be updated.\nThis operation may take a "
+    "few minutes.\n\nDo you want to proceed?";
 
-QString sql(const char* text) { return QString::fromLatin1(text); }
+QString sql(const char* text) {
+    return QString::fromLatin1(text);
+}
 
 // The amount helpers guard no division: a zero divisor is the floating-point error the caller sees.
 double divide(double a, double b) {
@@ -67,7 +77,9 @@ double divide(double a, double b) {
 }
 
 // Whole-day number of a date, cut to an integer as the statements carry it.
-int wholeDay(const QDateTime& dateTime) { return int(qm::toDayNumberCut(dateTime)); }
+int wholeDay(const QDateTime& dateTime) {
+    return int(qm::toDayNumberCut(dateTime));
+}
 
 QStringList pictureFiles(const QString& folder, int id) {
     QStringList names = QDir(folder).entryList({QString::number(id) + QStringLiteral(".*.jpg")}, QDir::Files);
@@ -110,11 +122,12 @@ void TDataModuleMain::DataModuleCreate() {
         return;
     }
     // 5.
-    VintraDBUpdater.ScriptFileName = FormResourceHolder->DataRootPath + QStringLiteral("Database/DatabaseUpdate.xml");
+    VintraDBUpdater.ScriptFileName =
+        FormResourceHolder->DataRootPath + QStringLiteral("Database/DatabaseUpdate.xml");
     // 6. The question is fixed English text, not a dictionary entry.
     if (VintraDBUpdater.VersionTarget > current) {
-        const QString question =
-            qm::format(QString::fromLatin1(UpdateQuestion), {current * 0.01, VintraDBUpdater.VersionTarget * 0.01});
+        const QString question = qm::format(QString::fromLatin1(UpdateQuestion),
+                                            {current * 0.01, VintraDBUpdater.VersionTarget * 0.01});
         if (AskQuestion(question) != mrYes) {
             terminated = true;
             OnTerminate();
@@ -174,7 +187,8 @@ int TDataModuleMain::GetMenuGroupId(int menuId) {
 
 void TDataModuleMain::GetUserData(int& sex, float& height, double& birthDate) {
     const int userId = FormResourceHolder->VintraOptions.GetAsInteger(QStringLiteral("ActiveUserId"));
-    const qm::SqlRows rows = KADaoDatabase.select(sql(DataModuleSql::UserData), {{QStringLiteral("userId"), userId}});
+    const qm::SqlRows rows =
+        KADaoDatabase.select(sql(DataModuleSql::UserData), {{QStringLiteral("userId"), userId}});
     if (rows.rows.isEmpty())
         return;
     sex = rows.value(0, QStringLiteral("userSex")).toInt();
@@ -188,7 +202,8 @@ TIngredientAmount TDataModuleMain::SumIngredientRows(int ingredId, const QString
     // ingredient's conversion, since the statement doesn't bind Convs to this ingredient.
     double baseGrams = 0;
     {
-        QSqlQuery base = KADaoDatabase.run(sql(DataModuleSql::IngredBaseUnit), {{QStringLiteral("ingredId"), ingredId}});
+        QSqlQuery base =
+            KADaoDatabase.run(sql(DataModuleSql::IngredBaseUnit), {{QStringLiteral("ingredId"), ingredId}});
         if (base.next()) {
             result.unitName = base.value(1).toString();
             baseGrams = base.value(2).toDouble();
@@ -219,8 +234,9 @@ TIngredientAmount TDataModuleMain::GetIngredientForDate(int ingredId, const QDat
                                                         const QDateTime& dateEnd) {
     const int start = wholeDay(dateStart);
     const int end = wholeDay(dateEnd);
-    const QString amountSql = qm::format(sql(DataModuleSql::IngredientForDate),
-                                         {start, end, ingredId, ingredId, ingredId, start, end, ingredId, ingredId});
+    const QString amountSql =
+        qm::format(sql(DataModuleSql::IngredientForDate),
+                   {start, end, ingredId, ingredId, ingredId, start, end, ingredId, ingredId});
     return SumIngredientRows(ingredId, amountSql);
 }
 
@@ -273,4 +289,6 @@ QString TDataModuleMain::RepairDatabase() {
     return report;
 }
 
-void TDataModuleMain::CompactDatabase() { KADaoDatabase.exec(QStringLiteral("VACUUM")); }
+void TDataModuleMain::CompactDatabase() {
+    KADaoDatabase.exec(QStringLiteral("VACUUM"));
+}

@@ -46,7 +46,8 @@ public:
     void GetUserData(int& sex, float& height, double& birthDate);
 
     TIngredientAmount GetIngredientInMenu(int menuId, int ingredId);
-    TIngredientAmount GetIngredientForDate(int ingredId, const QDateTime& dateStart, const QDateTime& dateEnd);
+    TIngredientAmount GetIngredientForDate(int ingredId, const QDateTime& dateStart,
+                                           const QDateTime& dateEnd);
 
     QString PictureFolder(TPictureKind kind) const;
     bool PictureExists(int id, TPictureKind kind) const;

@@ -18,8 +18,8 @@ QString fileOf(TPictureKind kind, int id, int number) {
 } // namespace
 
 QStringList PictureFiles(TPictureKind kind, int id) {
-    QStringList names =
-        QDir(DataModuleMain->PictureFolder(kind)).entryList({QStringLiteral("%1.*.jpg").arg(id)}, QDir::Files);
+    QStringList names = QDir(DataModuleMain->PictureFolder(kind))
+                            .entryList({QStringLiteral("%1.*.jpg").arg(id)}, QDir::Files);
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -47,8 +47,12 @@ void ClearPicture(TPictureKind kind, int id, int p) {
     DataModuleMain->RenumberPictures(id, kind);
 }
 
-void MoveUp(TPictureKind kind, int id, int p) { DataModuleMain->SwapPictures(id, p + 1, p, kind); }
+void MoveUp(TPictureKind kind, int id, int p) {
+    DataModuleMain->SwapPictures(id, p + 1, p, kind);
+}
 
-void MoveDown(TPictureKind kind, int id, int p) { DataModuleMain->SwapPictures(id, p + 1, p + 2, kind); }
+void MoveDown(TPictureKind kind, int id, int p) {
+    DataModuleMain->SwapPictures(id, p + 1, p + 2, kind);
+}
 
 } // namespace PictureCommands

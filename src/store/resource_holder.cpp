@@ -28,7 +28,8 @@ void TFormResourceHolder::Create(const QString& optionsFile, const QString& exec
         return text.isEmpty() ? fallback : text;
     };
     SetMessageCaption(TMessagePresenter::Info, caption("VintraInfoCaption", QStringLiteral("Information")));
-    SetMessageCaption(TMessagePresenter::Question, caption("VintraQuestionCaption", QStringLiteral("Question")));
+    SetMessageCaption(TMessagePresenter::Question,
+                      caption("VintraQuestionCaption", QStringLiteral("Question")));
     SetMessageCaption(TMessagePresenter::Error, caption("VintraErrorCaption", QStringLiteral("Error")));
 }
 

@@ -12,7 +12,8 @@ QStringList splitSqlScript(const QString& script) {
     bool inLiteral = false;
     for (qsizetype i = 0; i < script.size(); ++i) {
         const QChar c = script.at(i);
-        if (!inLiteral && c == QLatin1Char('-') && i + 1 < script.size() && script.at(i + 1) == QLatin1Char('-')) {
+        if (!inLiteral && c == QLatin1Char('-') && i + 1 < script.size() &&
+            script.at(i + 1) == QLatin1Char('-')) {
             while (i < script.size() && script.at(i) != QLatin1Char('\n'))
                 ++i;
             current += QLatin1Char('\n');

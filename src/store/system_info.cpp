@@ -15,7 +15,9 @@ QString SystemInfoText() {
     const QString indented = GetText(QStringLiteral("SIIndentedLine"), QString());
     QString text;
     const auto line = [&text](const QString& s) { text += s + QLatin1Char('\n'); };
-    const auto counted = [&line](const char* key, int n) { line(GetText(QLatin1String(key), QString()) + QString::number(n)); };
+    const auto counted = [&line](const char* key, int n) {
+        line(GetText(QLatin1String(key), QString()) + QString::number(n));
+    };
     const auto title = [&line, &indented](const char* key) {
         line(GetText(QLatin1String(key), QString()));
         line(indented);

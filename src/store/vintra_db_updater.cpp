@@ -37,8 +37,9 @@ QList<TVintraDBUpdateStep> TVintraDBUpdater::ReadScript(const QString& fileName)
     }
     if (xml.hasError())
         throw qm::DbError(QStringLiteral("Update script: ") + xml.errorString(), fileName);
-    std::stable_sort(steps.begin(), steps.end(),
-                     [](const TVintraDBUpdateStep& a, const TVintraDBUpdateStep& b) { return a.version < b.version; });
+    std::stable_sort(
+        steps.begin(), steps.end(),
+        [](const TVintraDBUpdateStep& a, const TVintraDBUpdateStep& b) { return a.version < b.version; });
     return steps;
 }
 

@@ -6,8 +6,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSqlQuery>
 #include <QSqlError>
+#include <QSqlQuery>
 #include <QTextStream>
 
 namespace qm {
@@ -24,7 +24,9 @@ QString unescapeSeedField(const QString& field) {
             continue;
         }
         const QChar n = field.at(++i);
-        out += n == QLatin1Char('t') ? QChar(QLatin1Char('\t')) : n == QLatin1Char('n') ? QChar(QLatin1Char('\n')) : n;
+        out += n == QLatin1Char('t')   ? QChar(QLatin1Char('\t'))
+               : n == QLatin1Char('n') ? QChar(QLatin1Char('\n'))
+                                       : n;
     }
     return out;
 }
@@ -39,8 +41,9 @@ int loadSeedFile(Database& db, const QString& table, const QString& path) {
     QStringList marks;
     for (qsizetype i = 0; i < columns.size(); ++i)
         marks << QStringLiteral("?");
-    const QString insert = QStringLiteral("INSERT INTO %1 ( %2 ) VALUES ( %3 )")
-                               .arg(table, columns.join(QStringLiteral(", ")), marks.join(QStringLiteral(", ")));
+    const QString insert =
+        QStringLiteral("INSERT INTO %1 ( %2 ) VALUES ( %3 )")
+            .arg(table, columns.join(QStringLiteral(", ")), marks.join(QStringLiteral(", ")));
     QSqlQuery query(db.connection());
     if (!query.prepare(insert))
         throw DbError(query.lastError().text(), insert);
@@ -53,10 +56,12 @@ int loadSeedFile(Database& db, const QString& table, const QString& path) {
             continue;
         const QStringList fields = line.split(QLatin1Char('\t'));
         if (fields.size() != columns.size())
-            throw DbError(QStringLiteral("%1 fields where the header has %2").arg(fields.size()).arg(columns.size()),
-                          QStringLiteral("%1:%2").arg(path).arg(lineNumber));
+            throw DbError(
+                QStringLiteral("%1 fields where the header has %2").arg(fields.size()).arg(columns.size()),
+                QStringLiteral("%1:%2").arg(path).arg(lineNumber));
         for (qsizetype i = 0; i < fields.size(); ++i)
-            query.bindValue(int(i), fields.at(i).isEmpty() ? QVariant() : QVariant(unescapeSeedField(fields.at(i))));
+            query.bindValue(int(i),
+                            fields.at(i).isEmpty() ? QVariant() : QVariant(unescapeSeedField(fields.at(i))));
         if (!query.exec())
             throw DbError(query.lastError().text(), QStringLiteral("%1:%2").arg(path).arg(lineNumber));
         ++count;
@@ -64,7 +69,8 @@ int loadSeedFile(Database& db, const QString& table, const QString& path) {
     return count;
 }
 
-QStringList buildDeliveredDatabase(const QString& schemaFile, const QString& seedDir, const QString& outFile) {
+QStringList buildDeliveredDatabase(const QString& schemaFile, const QString& seedDir,
+                                   const QString& outFile) {
     QStringList report;
     QFile::remove(outFile);
     Database db;
@@ -79,7 +85,8 @@ QStringList buildDeliveredDatabase(const QString& schemaFile, const QString& see
         report << QStringLiteral("%1\t%2").arg(table).arg(rows);
     }
     // The sample recipes carry the values of the program's own calculation.
-    const SqlRows recipes = db.select(QStringLiteral("SELECT recId FROM Recipes WHERE recFreeForm = 0 ORDER BY recId"));
+    const SqlRows recipes =
+        db.select(QStringLiteral("SELECT recId FROM Recipes WHERE recFreeForm = 0 ORDER BY recId"));
     for (const QVariantList& row : recipes.rows)
         RecalculateStoredRecipe(db, row.first().toInt());
     report << QStringLiteral("recalculated\t%1").arg(recipes.rows.size());

@@ -66,7 +66,9 @@ void TVintraPicHolder::paintEvent(QPaintEvent*) {
     painter.drawImage(target, m_image);
 }
 
-void TVintraPicHolder::mouseDoubleClickEvent(QMouseEvent*) { emit DoubleClicked(); }
+void TVintraPicHolder::mouseDoubleClickEvent(QMouseEvent*) {
+    emit DoubleClicked();
+}
 
 TVintraPicViewer::TVintraPicViewer(QWidget* parent) : QDialog(parent), m_holder(new TVintraPicHolder(this)) {
     setObjectName(QStringLiteral("VintraPicViewer"));

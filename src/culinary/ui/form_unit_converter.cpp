@@ -26,7 +26,9 @@ QLineEdit* readOnlyEdit(const char* name, QWidget* parent) {
 }
 
 // The mask keeps the digits it has room for; spaces of an unfilled mask are not part of the text.
-QString maskedText(const QLineEdit* edit) { return edit->text().trimmed(); }
+QString maskedText(const QLineEdit* edit) {
+    return edit->text().trimmed();
+}
 
 } // namespace
 

@@ -13,9 +13,9 @@ class TFormUnitConverter : public QDialog {
 public:
     explicit TFormUnitConverter(QWidget* parent = nullptr);
 
-    int mode = 1;            ///< 1 length, 2 weight
-    float metricLength = 0;  ///< centimetres
-    float metricWeight = 0;  ///< kilograms
+    int mode = 1;           ///< 1 length, 2 weight
+    float metricLength = 0; ///< centimetres
+    float metricWeight = 0; ///< kilograms
 
     void FormShow();
 

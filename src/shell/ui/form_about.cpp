@@ -41,7 +41,8 @@ QPixmap splashPicture() {
     font.setPointSize(26);
     font.setBold(true);
     painter.setFont(font);
-    painter.drawText(picture.rect().adjusted(0, -30, 0, 0), Qt::AlignCenter, QStringLiteral("Quillmeal Plus"));
+    painter.drawText(picture.rect().adjusted(0, -30, 0, 0), Qt::AlignCenter,
+                     QStringLiteral("Quillmeal Plus"));
     font.setPointSize(10);
     font.setBold(false);
     painter.setFont(font);
@@ -49,7 +50,6 @@ QPixmap splashPicture() {
                      QStringLiteral("Recipes, menus and diets for your household"));
     return picture;
 }
-
 
 TFormAbout::TFormAbout(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("FormAbout"));
@@ -62,10 +62,11 @@ TFormAbout::TFormAbout(QWidget* parent) : QDialog(parent) {
     auto* credit = new QLabel(this);
     credit->setObjectName(QStringLiteral("LabelDataSource"));
     credit->setWordWrap(true);
-    credit->setText(tr("Nutrient values and household measures of the delivered ingredients: USDA National "
-                       "Nutrient Database for Standard Reference, Release 28 (US Department of Agriculture, "
-                       "Agricultural Research Service, Nutrient Data Laboratory, 2015), in the public domain. "
-                       "Ingredient prices are examples."));
+    credit->setText(
+        tr("Nutrient values and household measures of the delivered ingredients: USDA National "
+           "Nutrient Database for Standard Reference, Release 28 (US Department of Agriculture, "
+           "Agricultural Research Service, Nutrient Data Laboratory, 2015), in the public domain. "
+           "Ingredient prices are examples."));
     layout->addWidget(credit);
     okButton(this, layout);
 }

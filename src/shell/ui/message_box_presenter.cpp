@@ -30,8 +30,8 @@ int TMessageBoxPresenter::present(Kind kind, const QString& caption, const QStri
         return box.clickedButton() == yes ? mrYes : mrNo;
     }
     box.setIcon(kind == Info ? QMessageBox::Information : QMessageBox::Warning);
-    QPushButton* ok = box.addButton(buttonCaption("VintraButtonOkCaption", QStringLiteral("OK")),
-                                    QMessageBox::AcceptRole);
+    QPushButton* ok =
+        box.addButton(buttonCaption("VintraButtonOkCaption", QStringLiteral("OK")), QMessageBox::AcceptRole);
     box.setDefaultButton(ok);
     box.exec();
     return 1;

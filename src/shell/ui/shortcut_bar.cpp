@@ -8,7 +8,8 @@
 #include <QListWidget>
 #include <QMenu>
 
-TShortcutBar::TShortcutBar(TOutlookBar* bar, QObject* parent) : QObject(parent), m_bar(bar), m_menu(new QMenu(bar)) {
+TShortcutBar::TShortcutBar(TOutlookBar* bar, QObject* parent)
+    : QObject(parent), m_bar(bar), m_menu(new QMenu(bar)) {
     m_menu->setObjectName(QStringLiteral("PopupMenuOutlookBar"));
     const auto add = [this](const char* name, const QString& text, std::function<void()> handler) {
         QAction* action = m_menu->addAction(text);
@@ -101,5 +102,6 @@ QMenu* TShortcutBar::ContextMenu(int page, int index) {
 
 void TShortcutBar::MouseUp(QListWidget* list, const QPoint& position) {
     QListWidgetItem* item = list->itemAt(position);
-    ContextMenu(m_bar->indexOf(list), item ? list->row(item) : -1)->popup(list->viewport()->mapToGlobal(position));
+    ContextMenu(m_bar->indexOf(list), item ? list->row(item) : -1)
+        ->popup(list->viewport()->mapToGlobal(position));
 }

@@ -7,10 +7,10 @@
 #include "culinary/ui/form_search_ingredients.h"
 #include "culinary/ui/form_search_recipes.h"
 #include "culinary/ui/form_units.h"
-#include "shell/ui/message_box_presenter.h"
-#include "store/ui/record_window.h"
 #include "shell/ui/form_about.h"
 #include "shell/ui/form_main.h"
+#include "shell/ui/message_box_presenter.h"
+#include "store/ui/record_window.h"
 
 void RegisterWindows(TFormMain& frame) {
     // A shortcut hands its statement and name to the recipes window's constructor.
@@ -32,8 +32,9 @@ void RegisterWindows(TFormMain& frame) {
     // The searches are created once and kept with their criteria.
     frame.RegisterModeless(QStringLiteral("SearchRecipes"),
                            [&frame](const TChildRequest&) { return TFormSearchRecipes::Instance(&frame); });
-    frame.RegisterModeless(QStringLiteral("SearchIngredients"),
-                           [&frame](const TChildRequest&) { return TFormSearchIngredients::Instance(&frame); });
+    frame.RegisterModeless(QStringLiteral("SearchIngredients"), [&frame](const TChildRequest&) {
+        return TFormSearchIngredients::Instance(&frame);
+    });
     TFormSearchRecipes::ShortcutsChanged = [&frame] { frame.ReloadShortcuts(); };
     TRecordWindow::ShowException = [](const QString& text) { ShowExceptionDialog(text); };
 }

@@ -1,9 +1,9 @@
 #include "store/ui/record_window.h"
 
 #include "components/messages.h"
-#include "components/vintra_translator.h"
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
+#include "components/vintra_translator.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
 
