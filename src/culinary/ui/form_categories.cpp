@@ -4,7 +4,7 @@
 #include "components/messages.h"
 #include "components/ui/vintra_db_grid.h"
 #include "culinary/category_rules.h"
-#include "culinary/ui/recipe_ui_support.h"
+#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
 
 #include <QAction>

@@ -4,7 +4,7 @@
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
 #include "culinary/recipe_window_rules.h"
-#include "culinary/ui/recipe_ui_support.h"
+#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
 

@@ -1,7 +1,7 @@
 #include "culinary/ui/form_recipe_add_or_edit_ingredient_ff.h"
 
 #include "culinary/ingredient_line.h"
-#include "culinary/ui/recipe_ui_support.h"
+#include "store/ui/record_window.h"
 #include "store/resource_holder.h"
 
 #include <QComboBox>

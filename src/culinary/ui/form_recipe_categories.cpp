@@ -5,7 +5,7 @@
 #include "components/ui/vintra_db_grid.h"
 #include "culinary/category_rules.h"
 #include "culinary/ui/form_categories.h"
-#include "culinary/ui/recipe_ui_support.h"
+#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
 
 #include <QGridLayout>

@@ -14,7 +14,7 @@
 #include "culinary/ui/form_recipe_add_or_edit_ingredient_ff.h"
 #include "culinary/ui/form_recipe_categories.h"
 #include "culinary/ui/form_rich_text_db_editor.h"
-#include "culinary/ui/recipe_ui_support.h"
+#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
 #include "store/picture_commands.h"
 #include "store/record_kinds.h"

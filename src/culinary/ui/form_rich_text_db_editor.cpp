@@ -1,7 +1,7 @@
 #include "culinary/ui/form_rich_text_db_editor.h"
 
 #include "components/ui/vintra_rich_edit.h"
-#include "culinary/ui/recipe_ui_support.h"
+#include "store/ui/record_window.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

@@ -223,19 +223,7 @@ TVintraDBGrid* TSearchWindow::MakeGrid(const char* name, qm::Dataset& dataset, c
 }
 
 bool TSearchWindow::Guarded(const std::function<void()>& command) {
-    try {
-        command();
-        return true;
-    } catch (const Abort&) {
-        return false;
-    } catch (const std::exception& e) {
-        const QString text = QString::fromUtf8(e.what());
-        if (TRecordWindow::ShowException)
-            TRecordWindow::ShowException(text);
-        else
-            ShowError(text);
-        return false;
-    }
+    return RunGuarded(command);
 }
 
 void TSearchWindow::RunSearch(const QStringList& lines) {

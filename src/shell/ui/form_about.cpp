@@ -1,8 +1,8 @@
 #include "shell/ui/form_about.h"
 
-#include "components/vintra_translator.h"
 #include "store/resource_holder.h"
 #include "store/system_info.h"
+#include "store/ui/record_window.h"
 
 #include <QDialogButtonBox>
 #include <QFontDatabase>
@@ -21,13 +21,6 @@ QPushButton* okButton(QDialog* dialog, QVBoxLayout* layout) {
     QObject::connect(ok, &QPushButton::clicked, dialog, &QDialog::accept);
     layout->addWidget(buttons);
     return ok;
-}
-
-void translate(QDialog* dialog) {
-    TVintraTranslator translator(dialog);
-    if (FormResourceHolder)
-        translator.SetDictionary(&FormResourceHolder->VintraDictionary);
-    translator.Translate();
 }
 
 } // namespace
@@ -72,7 +65,7 @@ TFormAbout::TFormAbout(QWidget* parent) : QDialog(parent) {
 }
 
 void TFormAbout::showEvent(QShowEvent* event) {
-    translate(this);
+    TranslateForm(this);
     QDialog::showEvent(event);
 }
 
@@ -90,7 +83,7 @@ TFormSystemInfo::TFormSystemInfo(QWidget* parent) : QDialog(parent) {
 }
 
 void TFormSystemInfo::showEvent(QShowEvent* event) {
-    translate(this);
+    TranslateForm(this);
     findChild<QPlainTextEdit*>(QStringLiteral("MemoDatabaseInfo"))->setPlainText(SystemInfoText());
     QDialog::showEvent(event);
 }

@@ -116,16 +116,7 @@ void TPicturePages::UpdateCommands(bool hasRecord) {
 }
 
 void TPicturePages::Guarded(const std::function<void()>& command) {
-    try {
-        command();
-    } catch (const Abort&) {
-    } catch (const std::exception& e) {
-        const QString text = QString::fromUtf8(e.what());
-        if (TRecordWindow::ShowException)
-            TRecordWindow::ShowException(text);
-        else
-            ShowError(text);
-    }
+    RunGuarded(command);
 }
 
 QImage TPicturePages::LoadChosen(const QString& fileName) const {

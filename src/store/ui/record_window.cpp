@@ -348,16 +348,28 @@ QList<TVintraDBGrid*> TRecordWindow::RememberedGrids() const {
     return {m_grid};
 }
 
-bool TRecordWindow::Guarded(const std::function<void()>& command) {
+bool RunGuarded(const std::function<void()>& command) {
     try {
         command();
         return true;
     } catch (const Abort&) {
         return false;
     } catch (const std::exception& e) {
-        ReportException(QString::fromUtf8(e.what()));
+        TRecordWindow::ReportException(QString::fromUtf8(e.what()));
         return false;
     }
+}
+
+void TranslateForm(QWidget* form) {
+    if (!FormResourceHolder)
+        return;
+    TVintraTranslator translator(form);
+    translator.SetDictionary(&FormResourceHolder->VintraDictionary);
+    translator.Translate();
+}
+
+bool TRecordWindow::Guarded(const std::function<void()>& command) {
+    return RunGuarded(command);
 }
 
 void TRecordWindow::ReportException(const QString& text) {
@@ -450,10 +462,7 @@ void TRecordWindow::SplitterMoved(QSplitter* splitter) {
 
 void TRecordWindow::FormShow() {
     // Translation first, then geometry: each window takes the language in force at its show.
-    TVintraTranslator translator(this);
-    if (FormResourceHolder)
-        translator.SetDictionary(&FormResourceHolder->VintraDictionary);
-    translator.Translate();
+    TranslateForm(this);
     RestoreLayout();
     if (!m_kind.HasTree()) {
         Guarded([this] { m_recordTable.Open(); });

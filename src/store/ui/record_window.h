@@ -8,6 +8,13 @@
 #include <QWidget>
 #include <functional>
 
+/// Runs a command of a window: Abort ends it silently, any other failure goes to the exception
+/// dialog (TRecordWindow::ShowException, else the Error box). Returns whether it ran through.
+bool RunGuarded(const std::function<void()>& command);
+
+/// Translates a form from the dictionary of the resource holder, when there is one.
+void TranslateForm(QWidget* form);
+
 class QAction;
 class QSplitter;
 class QTreeWidgetItem;
@@ -46,6 +53,8 @@ public:
     /// The framework's exception dialog, for what goes wrong in the engine; the program sets it.
     /// Without it the Error box shows the text.
     static std::function<void(const QString& text)> ShowException;
+    /// The exception dialog: ShowException when it is set, else the Error box.
+    static void ReportException(const QString& text);
 
     // --- parts ---
     const qm::RecordKind& Kind() const { return m_kind; }
@@ -120,7 +129,6 @@ protected:
     void SetNameEdit(QWidget* edit) { m_nameEdit = edit; }
     /// Runs a command: Abort ends it silently, an engine failure goes to the exception dialog.
     bool Guarded(const std::function<void()>& command);
-    void ReportException(const QString& text);
 
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
