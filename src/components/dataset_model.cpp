@@ -117,6 +117,15 @@ QVariant DatasetModel::headerData(int section, Qt::Orientation orientation, int 
     return QAbstractTableModel::headerData(section, orientation, role);
 }
 
+bool DatasetModel::setHeaderData(int section, Qt::Orientation orientation, const QVariant& value, int role) {
+    if (orientation != Qt::Horizontal || (role != Qt::EditRole && role != Qt::DisplayRole) || section < 0 ||
+        section >= m_columns.size())
+        return false;
+    m_columns[section].title = value.toString();
+    emit headerDataChanged(orientation, section, section);
+    return true;
+}
+
 Qt::ItemFlags DatasetModel::flags(const QModelIndex& index) const {
     if (!index.isValid())
         return Qt::NoItemFlags;

@@ -28,6 +28,9 @@ public:
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    /// Retitles a column (a translation); false for a section that is no chosen column.
+    bool setHeaderData(int section, Qt::Orientation orientation, const QVariant& value,
+                       int role = Qt::EditRole) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     /// Moves to the row, puts the dataset in edit state, writes the value and posts. False when
     /// the dataset refuses; a refused post leaves the dataset in edit state with the value typed.

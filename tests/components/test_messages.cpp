@@ -42,30 +42,20 @@ private slots:
         QCOMPARE(script.texts(TMessagePresenter::Question), QStringList({"a", "b", "c", "d"}));
     }
 
-    void noPresenterAnswersNo() {
-        SetMessagePresenter(nullptr);
-        QVERIFY(AskQuestion(QStringLiteral("Proceed?")) != mrYes);
-        ShowInfo(QStringLiteral("goes to stderr"));
-        ShowError(QStringLiteral("goes to stderr"));
-    }
-
+    // A nested script puts the outer one back; after the last one, questions are answered No.
     void scriptedPresenterPutsThePreviousOneBack() {
-        TScriptedPresenter outer;
         {
-            TScriptedPresenter inner;
-            QCOMPARE(MessagePresenter(), &inner);
-            ShowInfo(QStringLiteral("to inner"));
-            QCOMPARE(inner.texts(), QStringList({"to inner"}));
-        }
-        QCOMPARE(MessagePresenter(), &outer);
-        ShowInfo(QStringLiteral("to outer"));
-        QCOMPARE(outer.texts(), QStringList({"to outer"}));
-    }
-
-    void presenterIsUninstalledWhenTheScriptEnds() {
-        {
-            TScriptedPresenter script;
-            script.answers = {mrYes};
+            TScriptedPresenter outer;
+            outer.answers = {mrYes};
+            {
+                TScriptedPresenter inner;
+                QCOMPARE(MessagePresenter(), &inner);
+                ShowInfo(QStringLiteral("to inner"));
+                QCOMPARE(inner.texts(), QStringList({"to inner"}));
+            }
+            QCOMPARE(MessagePresenter(), &outer);
+            ShowInfo(QStringLiteral("to outer"));
+            QCOMPARE(outer.texts(), QStringList({"to outer"}));
         }
         QCOMPARE(MessagePresenter(), nullptr);
         QCOMPARE(AskQuestion(QStringLiteral("after")), mrNo);
@@ -78,15 +68,6 @@ private slots:
         AskQuestion(QStringLiteral("q"));
         ShowInfo(QStringLiteral("i"));
         QCOMPARE(script.captions, QStringList({"Frage", "Information"}));
-    }
-
-    void buttonCaptionsStartInEnglish() {
-        QCOMPARE(MessageButtonCaption(MessageButton::Yes), QStringLiteral("Yes"));
-        QCOMPARE(MessageButtonCaption(MessageButton::No), QStringLiteral("No"));
-        SetMessageButtonCaption(MessageButton::Ok, QStringLiteral("Fine"));
-        QCOMPARE(MessageButtonCaption(MessageButton::Ok), QStringLiteral("Fine"));
-        QCOMPARE(MessageButtonCaption(MessageButton::Cancel), QStringLiteral("Cancel"));
-        SetMessageButtonCaption(MessageButton::Ok, QStringLiteral("OK"));
     }
 };
 

@@ -18,17 +18,10 @@ private slots:
                               << "3/4"
                               << "tablespoonsX"
                               << "flour";
-        QTest::newRow("short pieces") << "2"
-                                      << ""
-                                      << "cup"
-                                      << "milk";
         QTest::newRow("no amount") << ""
                                    << ""
                                    << ""
                                    << "salt to taste";
-        QTest::newRow("254 characters") << "3"
-                                        << "1/2"
-                                        << "cup" << QString(254, QLatin1Char('n'));
         QTest::newRow("254 with spaces and accents")
             << "10"
             << "7/8"
@@ -137,9 +130,6 @@ private slots:
         QTest::newRow("1.1 rounds up to an eighth") << 1.1 << ""
                                                     << "1"
                                                     << "1/8";
-        QTest::newRow("0.3 up to a third") << 0.3 << ""
-                                           << "0"
-                                           << "1/3";
         // Two thirds in single precision lie just above the double 2/3: the next entry is taken.
         QTest::newRow("two thirds") << 2.0 / 3 << ""
                                     << "0"
@@ -151,9 +141,6 @@ private slots:
         QTest::newRow("1.9 keeps the eighth") << 1.9 << "1/8"
                                               << "1"
                                               << "1/8";
-        QTest::newRow("2.95 keeps the half") << 2.95 << "1/2"
-                                             << "2"
-                                             << "1/2";
         QTest::newRow("never rounded to the next whole") << 0.99 << ""
                                                          << "0"
                                                          << "";

@@ -10,59 +10,52 @@ class TestNutrientCalculation : public QObject {
     Q_OBJECT
 
     static void seedUnits(TestStore& store) {
-        store.exec({"INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
-                    "( 1, 'gram', 'g', 'g', 1, 1 ), ( 9, 'cup', 'cup', 'c', 2, NULL ), "
-                    "( 50, 'odd', 'od', 'od', 1, 28.5 ), ( 51, 'odder', 'or', 'or', 1, 29.5 ), "
-                    "( 52, 'half', 'hf', 'hf', 1, 0.5 ), ( 53, 'nothing', 'no', 'no', 1, NULL ), "
-                    "( 54, 'ounce', 'oz', 'oz', 1, 28.35 ), ( 60, 'other', 'ot', 'ot', 3, NULL )"});
+        store.exec(
+            {"INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
+             "( 1, 'gram', 'g', 'g', 1, 1 ), ( 9, 'cup', 'cup', 'c', 2, NULL ), "
+             "( 50, 'odd', 'od', 'od', 1, 28.5 ), ( 51, 'odder', 'or', 'or', 1, 29.5 ), "
+             "( 52, 'half', 'hf', 'hf', 1, 0.5 ), ( 53, 'nothing', 'no', 'no', 1, NULL ), "
+             "( 54, 'ounce', 'oz', 'oz', 1, 28.35 ), ( 60, 'other', 'ot', 'ot', 3, NULL )"});
     }
 
     static double storedCalories(TestStore& store, int recId) {
-        return store.db().scalar(QStringLiteral("SELECT nutCal FROM Recipes WHERE recId = %1").arg(recId)).toDouble();
+        return store.db()
+            .scalar(QStringLiteral("SELECT nutCal FROM Recipes WHERE recId = %1").arg(recId))
+            .toDouble();
     }
 
 private slots:
     void workedExample() {
         TestStore store;
         seedUnits(store);
-        store.exec({"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal, nutProtein ) VALUES "
-                    "( 1, 'Flour', 1, 350, 10 ), ( 2, 'Milk', 9, 50, NULL )",
-                    "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 9, 2, 240 )",
-                    "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 7, 'Batter', 4, 0 )",
-                    "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 7, 1, 200, 1 ), ( 7, 2, 2, 9 )"});
+        store.exec(
+            {"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal, nutProtein ) VALUES "
+             "( 1, 'Flour', 1, 350, 10 ), ( 2, 'Milk', 9, 50, NULL )",
+             "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 9, 2, 240 )",
+             "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 7, 'Batter', 4, 0 )",
+             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 7, 1, 200, 1 ), ( 7, 2, 2, 9 "
+             ")"});
         QVERIFY(RecalculateStoredRecipe(store.db(), 7));
         QCOMPARE(storedCalories(store, 7), 235.0);
         // A null value of an ingredient reads as 0: protein comes from the flour alone.
-        QCOMPARE(store.db().scalar("SELECT nutProtein FROM Recipes WHERE recId = 7").toDouble(), 200 * 0.01 * 10 / 4);
+        QCOMPARE(store.db().scalar("SELECT nutProtein FROM Recipes WHERE recId = 7").toDouble(),
+                 200 * 0.01 * 10 / 4);
         QCOMPARE(store.db().scalar("SELECT nutCalcium FROM Recipes WHERE recId = 7").toDouble(), 0.0);
     }
 
-    void unitConvReadAsInteger_data() {
-        QTest::addColumn<QVariant>("conv");
-        QTest::addColumn<int>("grams");
-        QTest::newRow("28.5 to even 28") << QVariant(28.5) << 28;
-        QTest::newRow("29.5 to even 30") << QVariant(29.5) << 30;
-        QTest::newRow("0.5 to 0") << QVariant(0.5) << 0;
-        QTest::newRow("28.35 to 28") << QVariant(28.35) << 28;
-        QTest::newRow("28.51 to 29") << QVariant(28.51) << 29;
-        QTest::newRow("null to 0") << QVariant() << 0;
-    }
-    void unitConvReadAsInteger() {
-        QFETCH(QVariant, conv);
-        QFETCH(int, grams);
-        QCOMPARE(UnitConvAsInteger(conv), grams);
-    }
-
+    // The recipe reads a unit's factor as a whole number, rounded half to even; the menu helper
+    // takes it as it is.
     void roundedInRecipesNotInMenus() {
         TestStore store;
         seedUnits(store);
-        store.exec({"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal, ingredPrice ) VALUES "
-                    "( 1, 'Cheese', 1, 100, 0.02 )",
-                    "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES "
-                    "( 1, 'A', 1, 0 ), ( 2, 'B', 1, 0 ), ( 3, 'C', 1, 0 ), ( 4, 'D', 1, 0 ), ( 5, 'E', 1, 0 )",
-                    "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES "
-                    "( 1, 1, 1, 50 ), ( 2, 1, 1, 51 ), ( 3, 1, 2, 52 ), ( 4, 1, 1, 53 ), ( 5, 1, 1, 54 )",
-                    "INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 1, 5, 1 )"});
+        store.exec(
+            {"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal, ingredPrice ) VALUES "
+             "( 1, 'Cheese', 1, 100, 0.02 )",
+             "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES "
+             "( 1, 'A', 1, 0 ), ( 2, 'B', 1, 0 ), ( 3, 'C', 1, 0 ), ( 4, 'D', 1, 0 ), ( 5, 'E', 1, 0 )",
+             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES "
+             "( 1, 1, 1, 50 ), ( 2, 1, 1, 51 ), ( 3, 1, 2, 52 ), ( 4, 1, 1, 53 ), ( 5, 1, 1, 54 )",
+             "INSERT INTO RecMen ( menuId, recId, servings ) VALUES ( 1, 5, 1 )"});
         for (int recId = 1; recId <= 5; ++recId)
             QVERIFY(RecalculateStoredRecipe(store.db(), recId));
         QCOMPARE(storedCalories(store, 1), 28.0);
@@ -77,12 +70,13 @@ private slots:
     void linesWithoutWeightAddNothing() {
         TestStore store;
         seedUnits(store);
-        store.exec({"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal ) VALUES "
-                    "( 1, 'Sugar', 1, 400 ), ( 2, 'Honey', 1, 300 ), ( 3, 'Jam', 1, 250 )",
-                    "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 60, 3, 10 )",
-                    "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 1, 'Sweet', 2, 0 )",
-                    "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES "
-                    "( 1, 1, 50, 1 ), ( 1, 2, 3, 9 ), ( 1, 3, 1, 60 )"});
+        store.exec(
+            {"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal ) VALUES "
+             "( 1, 'Sugar', 1, 400 ), ( 2, 'Honey', 1, 300 ), ( 3, 'Jam', 1, 250 )",
+             "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 60, 3, 10 )",
+             "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 1, 'Sweet', 2, 0 )",
+             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES "
+             "( 1, 1, 50, 1 ), ( 1, 2, 3, 9 ), ( 1, 3, 1, 60 )"});
         // Honey has no cup conversion; jam's unit of a third type still goes to Convs.
         QVERIFY(RecalculateStoredRecipe(store.db(), 1));
         QCOMPARE(storedCalories(store, 1), (50 * 0.01 * 400 + 1 * 10 * 0.01 * 250) / 2);
@@ -96,10 +90,12 @@ private slots:
     void noLinesFreeFormAndZeroServings() {
         TestStore store;
         seedUnits(store);
-        store.exec({"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal ) VALUES ( 1, 'Oats', 1, 380 )",
-                    "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm, nutCal, nutIron ) VALUES "
-                    "( 1, 'Empty', 2, 0, 99, 9 ), ( 2, 'Typed', 2, 1, 123, 4 ), ( 3, 'Nobody', 0, 0, 77, 7 )",
-                    "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 2, 1, 100, 1 ), ( 3, 1, 100, 1 )"});
+        store.exec(
+            {"INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal ) VALUES ( 1, 'Oats', 1, 380 )",
+             "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm, nutCal, nutIron ) VALUES "
+             "( 1, 'Empty', 2, 0, 99, 9 ), ( 2, 'Typed', 2, 1, 123, 4 ), ( 3, 'Nobody', 0, 0, 77, 7 )",
+             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 2, 1, 100, 1 ), ( 3, 1, 100, "
+             "1 )"});
         QVERIFY(RecalculateStoredRecipe(store.db(), 1));
         QCOMPARE(storedCalories(store, 1), 0.0);
         QCOMPARE(store.db().scalar("SELECT nutIron FROM Recipes WHERE recId = 1").toDouble(), 0.0);

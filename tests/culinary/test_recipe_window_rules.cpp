@@ -1,11 +1,8 @@
-// The rules behind the recipes window and its dialogs, on a dataset over a fresh database: the
-// recalculation of the current record, the scaled amount, the post checks, the ingredient
-// choice statement and the category delete.
+// The rules behind the recipes window, on a dataset over a fresh database: the recalculation's
+// errors, the scaled amount, the post checks and the lines' statements.
 #include "test_store.h"
 
 #include "components/dataset.h"
-#include "components/messages.h"
-#include "culinary/category_rules.h"
 #include "culinary/recipe_window_rules.h"
 
 #include <QTest>
@@ -16,8 +13,7 @@ namespace {
 void seedWorkedExample(TestStore& store) {
     store.exec(
         {"INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) VALUES "
-         "( 1, 'gram', 'g', 'g', 1, 1 ), ( 9, 'cup', 'cup', 'c', 2, NULL ), "
-         "( 19, 'piece', 'pc', 'ea', 2, NULL )",
+         "( 1, 'gram', 'g', 'g', 1, 1 ), ( 9, 'cup', 'cup', 'c', 2, NULL )",
          "INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal ) VALUES "
          "( 1, 'Flour', 1, 350 ), ( 2, 'Milk', 9, 50 ), ( 3, 'Cook''s salt', 1, 0 )",
          "INSERT INTO Convs ( unitId, ingredId, grams ) VALUES ( 9, 2, 240 )",
@@ -27,43 +23,12 @@ void seedWorkedExample(TestStore& store) {
          "( 100001, 1, 200, 1 ), ( 100001, 2, 2, 9 )"});
 }
 
-double stored(TestStore& store, const char* column, int recId) {
-    return store.db()
-        .scalar(QStringLiteral("SELECT %1 FROM Recipes WHERE recId = %2").arg(column).arg(recId))
-        .toDouble();
-}
-
 } // namespace
 
 class TestRecipeWindowRules : public QObject {
     Q_OBJECT
 
 private slots:
-    // The current record takes the per-serving values and stays unposted; the file keeps the old
-    // ones until the post.
-    void recalculationWritesTheCurrentRecordOnly() {
-        TestStore store;
-        seedWorkedExample(store);
-        qm::Dataset table;
-        table.SetDatabase(&store.db());
-        table.SetTableName("Recipes");
-        table.Open();
-        QVERIFY(table.Locate("recId", 100001));
-        RecalculateNutrients(table);
-        QCOMPARE(table.State(), qm::dsEdit);
-        QCOMPARE(table.FieldByName("nutCal").AsFloat(), 235.0);
-        QCOMPARE(table.FieldByName("nutCalcium").AsFloat(), 0.0);
-        QCOMPARE(stored(store, "nutCal", 100001), 17.0);
-        QVERIFY(table.Post());
-        QCOMPARE(stored(store, "nutCal", 100001), 235.0);
-
-        // A free-form record is left as typed, not even put into edit state.
-        QVERIFY(table.Locate("recId", 100002));
-        RecalculateNutrients(table);
-        QCOMPARE(table.State(), qm::dsBrowse);
-        QCOMPARE(table.FieldByName("nutCal").AsFloat(), 99.0);
-    }
-
     // Zero servings: the division error leaves before any field is written.
     void zeroServingsKeepsTheValues() {
         TestStore store;
@@ -105,7 +70,6 @@ private slots:
         QTest::newRow("abc") << QVariant(200.0) << QVariant(4) << QVariant(false) << "abc" << QVariant();
         QTest::newRow("zero") << QVariant(200.0) << QVariant(4) << QVariant(false) << "0" << QVariant();
         QTest::newRow("negative") << QVariant(200.0) << QVariant(4) << QVariant(false) << "-2" << QVariant();
-        QTest::newRow("empty") << QVariant(200.0) << QVariant(4) << QVariant(false) << "" << QVariant();
         QTest::newRow("decimal text")
             << QVariant(200.0) << QVariant(4) << QVariant(false) << "2.5" << QVariant();
         QTest::newRow("free-form") << QVariant(200.0) << QVariant(4) << QVariant(true) << "2" << QVariant();
@@ -160,38 +124,6 @@ private slots:
         QCOMPARE(text, errors);
     }
 
-    // The name condition with an apostrophe becomes a concatenation the engine accepts; the type
-    // condition is a parameter.
-    void ingredientChoiceWithApostrophe() {
-        TestStore store;
-        seedWorkedExample(store);
-        const QString sql = IngredientChoiceStatement("k's", 0);
-        QVERIFY(sql.contains("LIKE '*k' || CHR( 39 ) || 's*'"));
-        qm::SqlRows rows = store.db().select(sql);
-        QCOMPARE(rows.rows.size(), 1);
-        QCOMPARE(rows.value(0, "ingredName").toString(), QStringLiteral("Cook's salt"));
-        store.exec({"UPDATE Ingreds SET ingredTypeId = 5 WHERE ingredId IN ( 1, 3 )"});
-        rows = store.db().select(IngredientChoiceStatement("", 5), {{"ingredTypeId", 5}});
-        QCOMPARE(rows.rows.size(), 2);
-        QCOMPARE(IngredientChoiceStatement("", 0),
-                 QStringLiteral("SELECT ingredName, ingredId \nFROM Ingreds \nWHERE 1 = 1"));
-    }
-
-    // Units offered for a line: every unit of fixed weight and those with a conversion.
-    void unitsOffered() {
-        TestStore store;
-        seedWorkedExample(store);
-        const auto names = [&](int ingredId) {
-            QStringList list;
-            const qm::SqlRows rows = store.db().select(RecipeSql::QueryUnitsLookup, {{"ingredId", ingredId}});
-            for (int r = 0; r < rows.rows.size(); ++r)
-                list << rows.value(r, "unitName").toString();
-            return list;
-        };
-        QCOMPARE(names(2), (QStringList{"cup", "gram"}));
-        QCOMPARE(names(1), QStringList{"gram"});
-    }
-
     // The lines' statements go through %f: six decimals are what stays of an amount.
     void linesStoreSixDecimals() {
         TestStore store;
@@ -203,33 +135,6 @@ private slots:
         DeleteContentsLine(100002, 3);
         QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Contents WHERE recId = 100002").toInt(), 0);
         QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Contents WHERE recId = 100001").toInt(), 2);
-    }
-
-    // A category in use: the cascade question, and on Yes its assignments go; an unused one gets
-    // the plain question. No option changes either.
-    void categoryDelete() {
-        TestStore store;
-        store.holder().VintraDictionary.SetFileName(QStringLiteral(QM_SOURCE_DATA "/Languages/English.xml"));
-        store.holder().VintraOptions.SetAsBoolean("ConfirmDeletionRecipe", false);
-        store.exec({"INSERT INTO Categories ( catId, catName ) VALUES ( 1, 'Quick' ), ( 2, 'Vegan' )",
-                    "INSERT INTO RecCat ( recId, catId ) VALUES ( 10, 1 ), ( 11, 1 ), ( 10, 2 )"});
-        TScriptedPresenter presenter;
-        presenter.answers = {mrNo};
-        QVERIFY_THROWS_EXCEPTION(Abort, CategoryBeforeDelete(1));
-        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM RecCat").toInt(), 3);
-        presenter.answers = {mrYes};
-        CategoryBeforeDelete(1);
-        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM RecCat").toInt(), 1);
-        store.exec({"DELETE FROM RecCat"});
-        presenter.answers = {mrNo};
-        QVERIFY_THROWS_EXCEPTION(Abort, CategoryBeforeDelete(2));
-        presenter.answers = {mrYes};
-        CategoryBeforeDelete(2);
-        QCOMPARE(
-            presenter.texts(TMessagePresenter::Question),
-            (QStringList{GetText("QuestionDeleteCategoryCascade"), GetText("QuestionDeleteCategoryCascade"),
-                         GetText("QuestionDeleteCategory"), GetText("QuestionDeleteCategory")}));
-        QVERIFY(presenter.texts(TMessagePresenter::Question).first().startsWith("Some recipes"));
     }
 };
 

@@ -34,7 +34,8 @@ private slots:
 
     void commandLineWinsAndIsConsumed() {
         qputenv("QUILLMEAL_DATA_ROOT", m_dir.filePath("env").toUtf8());
-        QStringList args = {"--data-root", m_dir.filePath("cli"), "sql", "--config-dir=" + m_dir.filePath("cfg")};
+        QStringList args = {"--data-root", m_dir.filePath("cli"), "sql",
+                            "--config-dir=" + m_dir.filePath("cfg")};
         const TAppPaths paths = ResolveAppPaths(m_dir.filePath("bin"), args);
         QCOMPARE(paths.DataRootPath, m_dir.filePath("cli") + "/");
         QCOMPARE(paths.OptionsFile, m_dir.filePath("cfg") + "/Quillmeal.conf");
@@ -54,7 +55,8 @@ private slots:
         QCOMPARE(paths.ExecutablePath, m_dir.filePath("portable/bin") + "/");
         // Without it, the user's data folder.
         QCOMPARE(ResolveAppPaths(m_dir.filePath("bin"), none).DataRootPath,
-                 QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Orvane Team/Quillmeal/");
+                 QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                     "/Orvane Team/Quillmeal/");
     }
 
     void seedingNeverOverwritesTheUsersDatabase() {

@@ -31,13 +31,9 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("type");
         QTest::addColumn<QVariant>("expected");
-        const int I = TVintraOption::Integer, B = TVintraOption::Boolean, S = TVintraOption::String;
-        QTest::newRow("Toolb") << "Toolb" << I << QVariant(429);
-        QTest::newRow("Currency") << "Currency" << S << QVariant(QStringLiteral("$"));
+        const int I = TVintraOption::Integer, S = TVintraOption::String;
         QTest::newRow("Language") << "Language" << S << QVariant(QStringLiteral("English"));
         QTest::newRow("ColorMain") << "ColorMain" << I << QVariant(16777215);
-        QTest::newRow("MainMaximized") << "MainMaximized" << B << QVariant(false);
-        QTest::newRow("ToolbarUsersLeft") << "ToolbarUsersLeft" << I << QVariant(541);
         QTest::newRow("KitchenAssistantPositionTop") << "KitchenAssistantPositionTop" << I << QVariant(99999);
         QTest::newRow("DietName") << "DietName" << I << QVariant(564);
     }
@@ -88,18 +84,6 @@ private slots:
         QCOMPARE(splitters, 11);
     }
 
-    void everyRecordWindowHasItsGeometry() {
-        TVintraOptions options;
-        DeclareQuillmealOptions(options);
-        for (const char* prefix : {"Cal", "Rec", "Menu", "Ingred", "Unit", "UsrD", "CT", "Diet"}) {
-            const QString p = QString::fromLatin1(prefix);
-            QCOMPARE(options.GetOption(p + "PositionLeft").defaultValue, QVariant(0));
-            QCOMPARE(options.GetOption(p + "PositionTop").defaultValue, QVariant(0));
-            QCOMPARE(options.GetOption(p + "SizeHeight").defaultValue, QVariant(480));
-            QCOMPARE(options.GetOption(p + "SizeWidth").defaultValue, QVariant(660));
-        }
-    }
-
     void userDiaryTemplateIsAnAbsolutePath() {
         TVintraOptions options;
         DeclareQuillmealOptions(options);
@@ -141,8 +125,9 @@ private slots:
         const QString fromArgument = dir.filePath(QStringLiteral("arg"));
         const QString fromEnvironment = dir.filePath(QStringLiteral("env"));
         qunsetenv("QUILLMEAL_CONFIG_DIR");
-        QCOMPARE(DefaultOptionsFile(QString()), QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-                                                    QStringLiteral("/Orvane Team/Hearthnote/Quillmeal.conf"));
+        QCOMPARE(DefaultOptionsFile(QString()),
+                 QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                     QStringLiteral("/Orvane Team/Hearthnote/Quillmeal.conf"));
         qputenv("QUILLMEAL_CONFIG_DIR", fromEnvironment.toLocal8Bit());
         QCOMPARE(DefaultOptionsFile(QString()), fromEnvironment + QStringLiteral("/Quillmeal.conf"));
         // The command line wins over the environment.

@@ -31,7 +31,8 @@ private slots:
         for (int n = 1; n <= 9; ++n) {
             const int number = PictureCommands::NumberForNewPicture(pkIngredient, 5);
             QCOMPARE(number, n);
-            QVERIFY(PictureCommands::CopyPicture(pkIngredient, 5, number, source(store, QByteArray::number(n))));
+            QVERIFY(
+                PictureCommands::CopyPicture(pkIngredient, 5, number, source(store, QByteArray::number(n))));
         }
         QVERIFY(presenter.shown.isEmpty());
         QCOMPARE(PictureCommands::NumberForNewPicture(pkIngredient, 5), 0);

@@ -12,7 +12,8 @@ private slots:
     void countsInTheirBlocks() {
         TestStore store;
         store.exec({"INSERT INTO Recipes ( recId, recName, recFreeForm ) VALUES ( 1, 'A', 0 ), ( 2, 'B', 0 )",
-                    "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall ) VALUES ( 1, 'g', 'g', 'g' )",
+                    "INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall ) VALUES ( 1, 'g', "
+                    "'g', 'g' )",
                     "INSERT INTO PUsers ( userId, userFirstName, userLastName ) VALUES ( 1, 'Ann', 'Lee' )"});
         const QStringList lines = SystemInfoText().split('\n');
         const auto text = [](const char* key) { return GetText(QLatin1String(key)); };
@@ -25,7 +26,7 @@ private slots:
         QVERIFY(lines.contains(text("SIUnits") + "1"));
         QCOMPARE(lines.at(lines.size() - 2), text("SICookingTips") + "0");
         QCOMPARE(lines.last(), QString()); // every line ends in a break
-        QCOMPARE(lines.size(), 25); // users, diets and diary rows don't appear
+        QCOMPARE(lines.size(), 25);        // users, diets and diary rows don't appear
     }
 };
 

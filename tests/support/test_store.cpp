@@ -12,9 +12,11 @@ TestStore::TestStore(int version, bool open) {
         qm::Database db;
         db.open(databaseFile());
         qm::createSchema(db, QStringLiteral(QM_SOURCE_DATA "/schema.sql"));
-        db.exec(QStringLiteral("INSERT INTO PKeys ( keyId, keyValue ) VALUES ( 'DatabaseVersion', %1 )").arg(version));
+        db.exec(QStringLiteral("INSERT INTO PKeys ( keyId, keyValue ) VALUES ( 'DatabaseVersion', %1 )")
+                    .arg(version));
     }
-    QFile::copy(QStringLiteral(QM_SOURCE_DATA "/DatabaseUpdate.xml"), root() + QStringLiteral("Database/DatabaseUpdate.xml"));
+    QFile::copy(QStringLiteral(QM_SOURCE_DATA "/DatabaseUpdate.xml"),
+                root() + QStringLiteral("Database/DatabaseUpdate.xml"));
     m_holder.Create(root() + QStringLiteral("options.conf"), QStringLiteral(QM_SOURCE_DATA "/"), root());
     FormResourceHolder = &m_holder;
     m_dataModule = std::make_unique<TDataModuleMain>();

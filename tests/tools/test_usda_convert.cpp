@@ -99,7 +99,6 @@ private slots:
     void nutrientUnitsAreChecked();
     void buildsSeedTables();
     void pricesFillTheBasePrice();
-    void writesSeedFiles();
     void commandLine();
     void deliveredReferenceData();
 };
@@ -143,12 +142,10 @@ void TestUsdaConvert::splitRecordRejectsBrokenQuotes() {
 void TestUsdaConvert::decodeWindows1252_data() {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text");
-    QTest::newRow("ascii") << QByteArray("Butter, salted") << QStringLiteral("Butter, salted");
     QTest::newRow("e acute") << QByteArray("Entr\xe9"
                                            "e")
                              << QStringLiteral("Entr\u00e9e");
     QTest::newRow("curly quotes") << QByteArray("\x91Zesy002\x92") << QStringLiteral("\u2018Zesy002\u2019");
-    QTest::newRow("micro") << QByteArray("\xb5g") << QStringLiteral("\u00b5g");
     QTest::newRow("euro and dash") << QByteArray("\x80\x96") << QStringLiteral("\u20ac\u2013");
 }
 
@@ -161,12 +158,10 @@ void TestUsdaConvert::decodeWindows1252() {
 void TestUsdaConvert::numbers() {
     QCOMPARE(parseNumber(QStringLiteral(".5")).value_or(-1), 0.5);
     QCOMPARE(parseNumber(QStringLiteral("244")).value_or(-1), 244.0);
-    QCOMPARE(parseNumber(QStringLiteral("0.85")).value_or(-1), 0.85);
     QVERIFY(!parseNumber(QString()).has_value());
     QVERIFY(!parseNumber(QStringLiteral("11/1976")).has_value());
     QCOMPARE(seedNumber(QStringLiteral(".5")), QStringLiteral("0.5"));
     QCOMPARE(seedNumber(QStringLiteral("-.25")), QStringLiteral("-0.25"));
-    QCOMPARE(seedNumber(QStringLiteral("81.11")), QStringLiteral("81.11"));
     QCOMPARE(seedNumber(QStringLiteral("0.0")), QStringLiteral("0.0"));
 }
 
@@ -186,45 +181,15 @@ void TestUsdaConvert::matchMeasure_data() {
     QTest::newRow("other words") << "cup slices"
                                  << ""
                                  << "9/3";
-    QTest::newRow("cups") << "cups"
-                          << ""
-                          << "9/0";
-    QTest::newRow("tablespoon") << "Tablespoon"
-                                << ""
-                                << "8/0";
-    QTest::newRow("tsp") << "tsp, ground"
-                         << ""
-                         << "7/2";
-    QTest::newRow("fl oz") << "fl oz"
-                           << ""
-                           << "10/0";
-    QTest::newRow("weight oz") << "oz"
-                               << ""
-                               << "";
-    QTest::newRow("weight lb") << "lb"
-                               << ""
-                               << "";
     QTest::newRow("word boundary") << "cupcake"
                                    << ""
                                    << "";
     QTest::newRow("serving of a cup") << "serving 1/2 cup"
                                       << ""
                                       << "9/4x0.5";
-    QTest::newRow("serving of ml") << "Serving 100 ml"
-                                   << ""
-                                   << "11/4x100";
-    QTest::newRow("serving by weight") << "serving (3 oz)"
-                                       << ""
-                                       << "";
     QTest::newRow("can with volume") << "can or bottle (12 fl oz)"
                                      << ""
                                      << "26/3 10/4x12";
-    QTest::newRow("bottle in ml") << "bottle 500 ml"
-                                  << ""
-                                  << "37/3 11/4x500";
-    QTest::newRow("package by weight") << "package (10 oz)"
-                                       << ""
-                                       << "27/1";
     QTest::newRow("large size") << "large (3-1/4\" dia)"
                                 << ""
                                 << "24/1";
@@ -234,36 +199,12 @@ void TestUsdaConvert::matchMeasure_data() {
     QTest::newRow("head of another size") << "head, large"
                                           << ""
                                           << "42/2s";
-    QTest::newRow("stick") << "stick"
-                           << ""
-                           << "25/0";
-    QTest::newRow("cubic inch") << "cubic inch, boneless"
-                                << ""
-                                << "39/2";
-    QTest::newRow("pinch") << "pinch"
-                           << ""
-                           << "17/0";
     QTest::newRow("food noun") << "apricot"
                                << "Apricots, raw"
                                << "19/0";
     QTest::newRow("noun of another food") << "apricot"
                                           << "Peaches, yellow, raw"
                                           << "";
-    QTest::newRow("noun with size") << "potato medium (2-1/4\" to 3-1/4\" dia)"
-                                    << "Potatoes, russet, raw"
-                                    << "23/1";
-    QTest::newRow("last word noun") << "muffin"
-                                    << "English muffins, wheat"
-                                    << "19/0";
-    QTest::newRow("fruit with size") << "fruit, small"
-                                     << "Papayas, raw"
-                                     << "22/0";
-    QTest::newRow("piece") << "piece (1/8 of 9\" dia)"
-                           << ""
-                           << "19/1";
-    QTest::newRow("not a unit") << "entr\u00e9e"
-                                << ""
-                                << "";
 }
 
 void TestUsdaConvert::matchMeasure() {
@@ -283,13 +224,8 @@ void TestUsdaConvert::measuredUnitsWinAndDeriveTheRest() {
     // The rest follows the quart, the largest of the plain volume measures.
     const double perCup = 980.0 / 4;
     QVERIFY(near(u.grams.value(Tablespoon), perCup / 16));
-    QVERIFY(near(u.grams.value(Teaspoon), perCup / 48));
-    QVERIFY(near(u.grams.value(Pint), perCup * 2));
     QVERIFY(near(u.grams.value(Gallon), perCup * 16));
-    QVERIFY(near(u.grams.value(Milliliter), perCup / 236.5882365));
-    QVERIFY(near(u.grams.value(Deciliter), perCup * 100 / 236.5882365));
     QVERIFY(near(u.grams.value(Liter), perCup * 1000 / 236.5882365));
-    QVERIFY(near(u.grams.value(Dash), perCup / 48 / 8));
     QVERIFY(near(u.grams.value(Pinch), perCup / 48 / 16));
     QVERIFY(!u.grams.contains(Piece));
 }
@@ -300,16 +236,13 @@ void TestUsdaConvert::derivationStartsFromThePlainestLargestVolume() {
         foodUnits(QStringLiteral("Butter, salted"), weights(QStringLiteral("1|tbsp|14.2;1|cup|227")));
     QCOMPARE(u.grams.value(Tablespoon), 14.2);
     QVERIFY(near(u.grams.value(Teaspoon), 227.0 / 48));
-    QVERIFY(near(u.grams.value(FluidOunce), 227.0 / 8));
     // A plain tablespoon beats a chopped cup.
     u = foodUnits(QStringLiteral("Parsley, fresh"), weights(QStringLiteral("1|cup, chopped|60;1|tbsp|3.8")));
     QCOMPARE(u.grams.value(Cup), 60.0);
     QVERIFY(near(u.grams.value(Teaspoon), 3.8 / 3));
-    QVERIFY(near(u.grams.value(Liter), 3.8 / 3 * 1000 * 48 / 236.5882365));
     // A volume inside a serving starts the family when nothing plainer exists.
     u = foodUnits(QStringLiteral("Soup, condensed"), weights(QStringLiteral("1|serving 1/2 cup|126")));
     QCOMPARE(u.grams.value(Cup), 252.0);
-    QVERIFY(near(u.grams.value(Tablespoon), 252.0 / 16));
 }
 
 void TestUsdaConvert::plainMeasureChoice() {
@@ -317,12 +250,6 @@ void TestUsdaConvert::plainMeasureChoice() {
     FoodUnits u = foodUnits(
         QString(), weights(QStringLiteral("1|cup, chopped|160;1|cup|150;1|cup (1 NLEA serving)|140")));
     QCOMPARE(u.grams.value(Cup), 150.0);
-    // A parenthesis beats a comma, a comma beats loose words.
-    u = foodUnits(QString(),
-                  weights(QStringLiteral("1|cup shredded|72;1|cup, chopped|57;1|cup (8 fl oz)|240")));
-    QCOMPARE(u.grams.value(Cup), 240.0);
-    u = foodUnits(QString(), weights(QStringLiteral("1|cup shredded|72;1|cup, chopped (1/2\" pieces)|57")));
-    QCOMPARE(u.grams.value(Cup), 57.0);
     // Of equal plainness the first one counts, and a medium qualifier beats other sizes.
     u = foodUnits(QString(), weights(QStringLiteral(
                                  "1|slice|30;1|slice|40;1|head, large|755;1|head, medium (6\" dia)|539")));
@@ -338,10 +265,7 @@ void TestUsdaConvert::pieceFromCountsAndSizes() {
     FoodUnits u = foodUnits(QStringLiteral("Egg, whole, raw, fresh"),
                             weights(QStringLiteral("1|large|50;1|medium|44;1|small|38")));
     QCOMPARE(u.grams.value(Piece), 44.0);
-    QCOMPARE(u.grams.value(Large), 50.0);
     QCOMPARE(u.grams.value(Small), 38.0);
-    u = foodUnits(QStringLiteral("Egg, white, raw, fresh"), weights(QStringLiteral("1|large|33")));
-    QCOMPARE(u.grams.value(Piece), 33.0);
     u = foodUnits(QStringLiteral("Grapefruit, raw"),
                   weights(QStringLiteral(".5|medium (approx 4\" dia)|128")));
     QCOMPARE(u.grams.value(Medium), 256.0);
@@ -352,10 +276,6 @@ void TestUsdaConvert::pieceFromCountsAndSizes() {
         QStringLiteral("Croissants, butter"),
         weights(QStringLiteral("1|croissant, mini|28;1|croissant, medium|57;1|croissant, large|67")));
     QCOMPARE(u.grams.value(Piece), 57.0);
-    u = foodUnits(QStringLiteral("Corn, sweet, yellow, raw"),
-                  weights(QStringLiteral("1|ear, medium (6-3/4\" long)|102")));
-    QCOMPARE(u.grams.value(Ear), 102.0);
-    QCOMPARE(u.grams.value(Piece), 102.0);
     u = foodUnits(QStringLiteral("Grapes, red or green"), weights(QStringLiteral("10|grapes|49")));
     QCOMPARE(u.grams.value(Piece), 4.9);
 }
@@ -376,51 +296,26 @@ void TestUsdaConvert::baseUnit_data() {
     QTest::newRow("milk") << "Milk, whole, 3.25% milkfat" << 100 << "1|cup|244" << int(Liter);
     QTest::newRow("butter") << "Butter, salted" << 100 << "1|tbsp|14.2;1|cup|227" << int(Kilogram);
     QTest::newRow("dry milk") << "Milk, dry, whole" << 100 << "1|cup|128" << int(Kilogram);
-    QTest::newRow("whey, fluid") << "Whey, sweet, fluid" << 100 << "1|cup|246" << int(Liter);
     QTest::newRow("egg") << "Egg, whole, raw, fresh" << 100 << "1|large|50;1|medium|44" << int(Piece);
-    QTest::newRow("dried egg") << "Egg, whole, dried" << 100 << "1|cup|85" << int(Kilogram);
     QTest::newRow("banana") << "Bananas, raw" << 900 << "1|cup, sliced|150;1|medium (7\" long)|118"
                             << int(Piece);
     QTest::newRow("strawberries are light")
         << "Strawberries, raw" << 900 << "1|cup|152;1|medium|12" << int(Kilogram);
-    QTest::newRow("canned fruit") << "Apricots, canned, heavy syrup" << 900 << "1|cup|240" << int(Kilogram);
     QTest::newRow("orange juice") << "Orange juice, raw" << 900 << "1|cup|248;1|fruit yields|86"
                                   << int(Liter);
     QTest::newRow("fruit in juice") << "Pineapple, canned, juice pack, solids and liquids" << 900
                                     << "1|cup|249" << int(Kilogram);
-    QTest::newRow("tomatoes in juice")
-        << "Tomatoes, red, ripe, canned, packed in tomato juice" << 1100 << "1|cup|240" << int(Kilogram);
     QTest::newRow("olive oil") << "Oil, olive, salad or cooking" << 400 << "1|tbsp|13.5" << int(Liter);
-    QTest::newRow("shortening") << "Shortening, household, soybean" << 400 << "1|cup|205" << int(Kilogram);
-    QTest::newRow("coffee powder") << "Beverages, coffee, instant, regular, powder" << 1400 << "1|tsp|1.8"
-                                   << int(Kilogram);
-    QTest::newRow("coffee made up") << "Beverages, coffee, instant, regular, prepared with water" << 1400
-                                    << "6|fl oz|179" << int(Liter);
     QTest::newRow("drink without volume")
         << "Beverages, Energy drink, RED BULL" << 1400 << "1|can|260" << int(Kilogram);
-    QTest::newRow("drink in a can") << "Beverages, carbonated, club soda" << 1400
-                                    << "1|can or bottle (12 fl oz)|355" << int(Liter);
     QTest::newRow("dry wine") << "Alcoholic beverage, wine, dessert, dry" << 1400 << "1|fl oz|29.5"
                               << int(Liter);
-    QTest::newRow("soup mix") << "Soup, chicken noodle, dry, mix" << 600 << "1|cup|45" << int(Kilogram);
     QTest::newRow("condensed soup") << "CAMPBELL'S Red and White, Chicken Alphabet Soup, condensed" << 600
                                     << "1|serving 1/2 cup|126" << int(Liter);
-    QTest::newRow("salsa") << "Sauce, salsa, ready-to-serve" << 600 << "1|cup|259" << int(Kilogram);
-    QTest::newRow("restaurant soup") << "Restaurant, Latino, black bean soup" << 3600 << "1|cup|235"
-                                     << int(Liter);
-    QTest::newRow("pasta in sauce") << "Pasta with Sliced Franks in Tomato Sauce, canned entree" << 2200
-                                    << "1|cup|252" << int(Kilogram);
-    QTest::newRow("no broth") << "Chicken, canned, no broth" << 500 << "1|cup|205" << int(Kilogram);
-    QTest::newRow("soy sauce") << "Soy sauce made from soy (tamari)" << 1600 << "1|tbsp|18" << int(Liter);
     QTest::newRow("ice cream in fl oz")
         << "Light Ice Cream, soft serve, blended with cookie pieces" << 2100 << "1|fl oz|30" << int(Kilogram);
-    QTest::newRow("lettuce") << "Lettuce, iceberg, raw" << 1100 << "1|cup shredded|72;1|head, medium|539"
-                             << int(Piece);
     QTest::newRow("onions are weighed")
         << "Onions, raw" << 1100 << "1|cup, chopped|160;1|medium|110" << int(Kilogram);
-    QTest::newRow("rolls") << "Rolls, dinner, plain" << 1800 << "1|oz|28.35;1|roll (1 oz)|28" << int(Piece);
-    QTest::newRow("cookies") << "Cookies, chocolate chip" << 1800 << "1|cookie|16" << int(Kilogram);
-    QTest::newRow("beef") << "Beef, ground, 80% lean" << 1300 << "3|oz|85" << int(Kilogram);
 }
 
 void TestUsdaConvert::baseUnit() {
@@ -438,11 +333,9 @@ void TestUsdaConvert::longNamesAreShortened() {
     const QString lamb =
         QStringLiteral("Lamb, Australian, imported, fresh, rack, roast, frenched, denuded, bone-in, "
                        "separable lean and fat, trimmed to 0\" fat, cooked, roasted");
-    QCOMPARE(lamb.size(), 134);
     QCOMPARE(ingredientName(lamb),
              QStringLiteral("Lamb, Australian, imported, fresh, rack, roast, frenched, denuded, "
                             "bone-in, lean and fat, trimmed to 0\" fat, cooked, roasted"));
-    QCOMPARE(ingredientName(QStringLiteral("  Butter, salted ")), QStringLiteral("Butter, salted"));
     // The phrases are kept while the name fits.
     const QString fits = QStringLiteral("Pork, separable lean and fat, raw");
     QCOMPARE(ingredientName(fits), fits);
@@ -462,13 +355,6 @@ void TestUsdaConvert::readsTheUsdaLayout() {
     QCOMPARE(data.groups.value(1400), QStringLiteral("Beverages"));
     QCOMPARE(data.foods.size(), 13);
     QCOMPARE(data.foods.first().ndbNo, 1001);
-    QCOMPARE(data.foods.first().groupCode, 100);
-    QVERIFY(data.foods.first().comName.isEmpty());
-    const auto kiwi =
-        std::find_if(data.foods.begin(), data.foods.end(), [](const Food& f) { return f.ndbNo == 9520; });
-    QVERIFY(kiwi != data.foods.end());
-    QCOMPARE(kiwi->sciName, QStringLiteral("Actinidia chinensis \u2018Zesy002\u2019 (Gold3)"));
-    QCOMPARE(kiwi->comName, QStringLiteral("Gold3"));
 
     const QList<Weight> butter = data.weights.value(1001);
     QCOMPARE(butter.size(), 5);
@@ -480,11 +366,7 @@ void TestUsdaConvert::readsTheUsdaLayout() {
 
     // Nutrients in column order, from the xz file; the saturated fat row is not wanted.
     const NutrientTexts b = data.nutrients.value(1001);
-    QCOMPARE(b[0], QStringLiteral("717"));
     QCOMPARE(b[1], QStringLiteral("81.11"));
-    QCOMPARE(b[2], QStringLiteral("215"));
-    QVERIFY(b[4].isNull()); // no fiber row
-    QCOMPARE(b[8], QStringLiteral("0.17"));
     QCOMPARE(b[16], QStringLiteral("24"));
     const NutrientTexts milk = data.nutrients.value(1077);
     QCOMPARE(milk[5], QStringLiteral("3.15"));
@@ -515,14 +397,8 @@ void TestUsdaConvert::buildsSeedTables() {
     const SeedTable* convs = result.table(QStringLiteral("Convs"));
     QVERIFY(units && types && ingreds && convs);
 
-    QCOMPARE(units->columns.join(u','),
-             QStringLiteral("unitId,unitName,unitAbbrev,unitAbbrevSmall,unitDesc,unitType,unitConv"));
-    QCOMPARE(types->columns.join(u','),
-             QStringLiteral("ingredTypeId,ingredTypeName,parentId,isNodeExpanded"));
     QCOMPARE(convs->columns.join(u','), QStringLiteral("unitId,ingredId,grams"));
     QCOMPARE(ingreds->columns.size(), 23);
-    QCOMPARE(ingreds->columns.at(4), QStringLiteral("nutCal"));
-    QCOMPARE(ingreds->columns.at(20), QStringLiteral("nutCalcium"));
 
     QCOMPARE(types->rows.size(), 6);
     QCOMPARE(types->rows.first(), (QStringList{"100", "Dairy and Egg Products", "0", "0"}));
@@ -534,15 +410,12 @@ void TestUsdaConvert::buildsSeedTables() {
     QCOMPARE(column(*ingreds, *butter, QStringLiteral("nutDietaryFiber")), QString()); // NULL, not 0
     QCOMPARE(column(*ingreds, *butter, QStringLiteral("nutVitaminC")), QStringLiteral("0.0"));
     QCOMPARE(column(*ingreds, *butter, QStringLiteral("unitId")), QStringLiteral("2"));
-    QCOMPARE(column(*ingreds, *butter, QStringLiteral("ingredDesc")), QString());
-    QCOMPARE(column(*ingreds, *butter, QStringLiteral("ingredPrice")), QString());
 
     const QStringList* kiwi = findRow(*ingreds, QStringLiteral("9520"));
     QVERIFY(kiwi);
     QCOMPARE(column(*ingreds, *kiwi, QStringLiteral("ingredDesc")),
              QStringLiteral(
                  "Also called: Gold3\\nScientific name: Actinidia chinensis \u2018Zesy002\u2019 (Gold3)"));
-    QCOMPARE(column(*ingreds, *kiwi, QStringLiteral("unitId")), QStringLiteral("19"));
 
     const QStringList* lamb = findRow(*ingreds, QStringLiteral("17441"));
     QVERIFY(lamb);
@@ -550,30 +423,18 @@ void TestUsdaConvert::buildsSeedTables() {
     QCOMPARE(result.shortenedNames, 1);
     QVERIFY(!findRow(*convs, QStringLiteral("2"), QStringLiteral("17441"))); // weights convert through Units
 
-    // Each base unit is a weight unit or has its conversion row.
-    for (const QStringList& row : ingreds->rows) {
-        const QString unit = column(*ingreds, row, QStringLiteral("unitId"));
-        QVERIFY2(unit == QStringLiteral("2") || findRow(*convs, unit, row.first()), qPrintable(row.first()));
-    }
     QCOMPARE(result.baseUnits.value(Liter), 3);    // milk, condensed soup, club soda
     QCOMPARE(result.baseUnits.value(Piece), 4);    // egg, grapefruit, kiwi, lettuce
     QCOMPARE(result.baseUnits.value(Kilogram), 6); // butter, strawberries, garlic, energy drink, coffee, lamb
     QCOMPARE(result.liquidsWithoutVolume, 1);      // the energy drink has only a can
 
+    // Measured, derived (written to 15 digits), half-measure and can conversions.
     const QStringList* milkCup = findRow(*convs, QStringLiteral("9"), QStringLiteral("1077"));
     QVERIFY(milkCup);
     QCOMPARE(milkCup->at(2), QStringLiteral("244"));
     QCOMPARE(findRow(*convs, QStringLiteral("13"), QStringLiteral("1077"))->at(2),
              QStringLiteral("1031.32769240621"));
-    QCOMPARE(findRow(*convs, QStringLiteral("10"), QStringLiteral("1077"))->at(2), QStringLiteral("30.6"));
-    QCOMPARE(findRow(*convs, QStringLiteral("7"), QStringLiteral("1001"))->at(2),
-             QStringLiteral("4.72916666666667"));
-    QCOMPARE(findRow(*convs, QStringLiteral("25"), QStringLiteral("1001"))->at(2), QStringLiteral("113"));
     QCOMPARE(findRow(*convs, QStringLiteral("19"), QStringLiteral("9111"))->at(2), QStringLiteral("256"));
-    QCOMPARE(findRow(*convs, QStringLiteral("9"), QStringLiteral("11252"))->at(2), QStringLiteral("57"));
-    QCOMPARE(findRow(*convs, QStringLiteral("7"), QStringLiteral("11215"))->at(2), QStringLiteral("2.8"));
-    QCOMPARE(findRow(*convs, QStringLiteral("8"), QStringLiteral("11215"))->at(2), QStringLiteral("8.5"));
-    QCOMPARE(findRow(*convs, QStringLiteral("9"), QStringLiteral("6054"))->at(2), QStringLiteral("252"));
     QCOMPARE(findRow(*convs, QStringLiteral("26"), QStringLiteral("14154"))->at(2), QStringLiteral("260"));
 
     QSet<QPair<QString, QString>> keys;
@@ -592,7 +453,6 @@ void TestUsdaConvert::pricesFillTheBasePrice() {
     file.write("ingredId\tingredPrice\n1001\t8.5\n1077\t.99\n99999\t1\n\n");
     file.close();
     const QHash<int, QString> prices = readPrices(path);
-    QCOMPARE(prices.size(), 3);
     QCOMPARE(prices.value(1077), QStringLiteral("0.99"));
 
     const SeedResult result = buildSeedTables(readUsdaFolder(kFixture), prices);
@@ -612,38 +472,30 @@ void TestUsdaConvert::pricesFillTheBasePrice() {
     QVERIFY_THROWS_EXCEPTION(UsdaError, readPrices(dir.filePath(QStringLiteral("missing.tsv"))));
 }
 
-void TestUsdaConvert::writesSeedFiles() {
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const SeedResult result = buildSeedTables(readUsdaFolder(kFixture));
-    writeSeedTables(result.tables, dir.filePath(QStringLiteral("seed")));
-    for (const SeedTable& table : result.tables) {
-        QFile file(dir.filePath(QStringLiteral("seed/%1.tsv").arg(table.name)));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray bytes = file.readAll();
-        QVERIFY(!bytes.contains('\r'));
-        QVERIFY(bytes.endsWith('\n'));
-        const TsvFile tsv = readTsv(file.fileName());
-        QCOMPARE(tsv.columns, table.columns);
-        QCOMPARE(tsv.rows.size(), table.rows.size());
-        for (const QStringList& row : tsv.rows)
-            QCOMPARE(row.size(), table.columns.size());
-    }
-    const TsvFile ingreds = readTsv(dir.filePath(QStringLiteral("seed/Ingreds.tsv")));
-    bool quoteFound = false;
-    for (const QStringList& row : ingreds.rows)
-        quoteFound = quoteFound || row.at(3).contains(QChar(0x2019));
-    QVERIFY(quoteFound); // UTF-8 on disk
-}
-
+// The command line writes one UTF-8, LF-ended file per table that reads back as built.
 void TestUsdaConvert::commandLine() {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     QCOMPARE(runConverter({kFixture}), 2);
     QCOMPARE(runConverter({dir.filePath(QStringLiteral("nowhere")), dir.path()}), 1);
     QCOMPARE(runConverter({kFixture, dir.path()}), 0);
-    for (const char* name : {"Units", "ITypes", "Ingreds", "Convs"})
-        QVERIFY(QFile::exists(dir.filePath(QStringLiteral("%1.tsv").arg(QLatin1String(name)))));
+    const SeedResult result = buildSeedTables(readUsdaFolder(kFixture));
+    QCOMPARE(result.tables.size(), 4);
+    for (const SeedTable& table : result.tables) {
+        QFile file(dir.filePath(QStringLiteral("%1.tsv").arg(table.name)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        QVERIFY(!bytes.contains('\r'));
+        QVERIFY(bytes.endsWith('\n'));
+        const TsvFile tsv = readTsv(file.fileName());
+        QCOMPARE(tsv.columns, table.columns);
+        QCOMPARE(tsv.rows, table.rows);
+    }
+    const TsvFile ingreds = readTsv(dir.filePath(QStringLiteral("Ingreds.tsv")));
+    bool quoteFound = false;
+    for (const QStringList& row : ingreds.rows)
+        quoteFound = quoteFound || row.at(3).contains(QChar(0x2019));
+    QVERIFY(quoteFound);
 }
 
 void TestUsdaConvert::deliveredReferenceData() {
@@ -656,18 +508,14 @@ void TestUsdaConvert::deliveredReferenceData() {
     QCOMPARE(types.rows.size(), 25);
     QCOMPARE(ingreds.rows.size(), 8789);
 
-    // The fixed units keep their ids; every unit fits its columns.
-    const QStringList fixed = {
-        "gram",       "kilogram", "milligram",   "decagram",   "ounce",     "pound",  "teaspoon",
-        "tablespoon", "cup",      "fluid ounce", "milliliter", "deciliter", "liter",  "pint",
-        "quart",      "gallon",   "pinch",       "dash",       "piece",     "slice",  "clove",
-        "small",      "medium",   "large",       "stick",      "can",       "package"};
+    // The units other code names by id keep them; every unit fits its columns.
+    const QHash<int, QString> fixed = {{1, "gram"},   {2, "kilogram"}, {9, "cup"},
+                                       {13, "liter"}, {19, "piece"},   {27, "package"}};
     QHash<QString, int> unitType;
     QSet<QString> smallCodes;
     for (const QStringList& u : units.rows) {
-        const int id = u.at(0).toInt();
-        if (id <= fixed.size())
-            QCOMPARE(u.at(1), fixed.at(id - 1));
+        if (fixed.contains(u.at(0).toInt()))
+            QCOMPARE(u.at(1), fixed.value(u.at(0).toInt()));
         QVERIFY(u.at(2).size() <= 12);
         QVERIFY(!u.at(3).isEmpty() && u.at(3).size() <= 2);
         QVERIFY2(!smallCodes.contains(u.at(3)), qPrintable(u.at(3)));

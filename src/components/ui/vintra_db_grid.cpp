@@ -19,6 +19,11 @@ public:
         const Qt::ItemFlags base = QIdentityProxyModel::flags(index);
         return index.isValid() ? base | Qt::ItemIsDragEnabled : base;
     }
+    // Same columns as the source: a title goes straight through, also while there are no rows to
+    // map a section by.
+    bool setHeaderData(int section, Qt::Orientation orientation, const QVariant& value, int role) override {
+        return sourceModel() && sourceModel()->setHeaderData(section, orientation, value, role);
+    }
 };
 
 TVintraDBGrid::TVintraDBGrid(QWidget* parent) : QTableView(parent), m_proxy(new DragRows(this)) {

@@ -4,9 +4,9 @@
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
 #include "culinary/recipe_window_rules.h"
-#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
+#include "store/ui/record_window.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -39,6 +39,7 @@ TFormAddOrEditRecipe::TFormAddOrEditRecipe(QWidget* parent) : QDialog(parent) {
     m_tree->SetShowRootNode(true);
     m_tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_tree->setAcceptDrops(false);
+    m_tree->setProperty("vintraSkip", true); // groups are data; the header is hidden
     m_listModel = new qm::DatasetModel(&QueryRecipes, this);
     m_listModel->addColumn(QStringLiteral("recName"), tr("Recipe"));
     m_list = new TVintraDBGrid(m_top);

@@ -4,8 +4,8 @@
 #include "components/messages.h"
 #include "components/ui/vintra_db_grid.h"
 #include "culinary/category_rules.h"
-#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
+#include "store/ui/record_window.h"
 
 #include <QAction>
 #include <QHBoxLayout>

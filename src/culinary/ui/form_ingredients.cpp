@@ -150,6 +150,7 @@ QWidget* TFormIngredients::BuildMainPage() {
     m_price->setMaximumWidth(90);
     m_currency = new QLabel(page);
     m_currency->setObjectName(QStringLiteral("LabelCurrency"));
+    m_currency->setProperty("vintraSkip", true); // the currency of the options
     m_desc = new QPlainTextEdit(page);
     m_desc->setObjectName(QStringLiteral("DBMemoIngredDesc"));
 
@@ -401,8 +402,10 @@ void TFormIngredients::UpdateGroupCommands() {
 }
 
 void TFormIngredients::ApplyTypeCommands() {
-    // A child type and a delete need a type: on the root both are off.
+    // A child type and a delete need a type: on the root both are off. A sibling of the root is a
+    // top-level type, so that an empty tree can still get its first one.
     const bool type = TreeView()->GetCurrentKey() != 0;
+    ActionAddSiblingGroup()->setEnabled(true);
     ActionAddChildGroup()->setEnabled(type);
     ActionDeleteGroup()->setEnabled(type);
 }

@@ -4,9 +4,9 @@
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
 #include "culinary/recipe_window_rules.h"
-#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
+#include "store/ui/record_window.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -54,6 +54,7 @@ TFormRecipeAddOrEditIngredient::TFormRecipeAddOrEditIngredient(QWidget* parent) 
     // A pick list: nothing is renamed or dropped here.
     m_tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_tree->setAcceptDrops(false);
+    m_tree->setProperty("vintraSkip", true); // types are data; the header is hidden
 
     auto* right = new QWidget(m_top);
     auto* rightLayout = new QVBoxLayout(right);

@@ -1,8 +1,8 @@
 #include "culinary/ui/form_recipe_add_or_edit_ingredient_ff.h"
 
 #include "culinary/ingredient_line.h"
-#include "store/ui/record_window.h"
 #include "store/resource_holder.h"
+#include "store/ui/record_window.h"
 
 #include <QComboBox>
 #include <QFontDatabase>

@@ -5,8 +5,8 @@
 #include "components/ui/vintra_db_grid.h"
 #include "culinary/category_rules.h"
 #include "culinary/ui/form_categories.h"
-#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
+#include "store/ui/record_window.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -28,6 +28,7 @@ TVintraDBGrid* listGrid(const char* name, qm::DatasetModel* model, QWidget* pare
     grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid->horizontalHeader()->setStretchLastSection(true);
     grid->horizontalHeader()->hide();
+    grid->setProperty("vintraSkip", true); // category names only, under no title
     grid->verticalHeader()->hide();
     return grid;
 }

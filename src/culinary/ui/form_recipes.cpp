@@ -14,12 +14,12 @@
 #include "culinary/ui/form_recipe_add_or_edit_ingredient_ff.h"
 #include "culinary/ui/form_recipe_categories.h"
 #include "culinary/ui/form_rich_text_db_editor.h"
-#include "store/ui/record_window.h"
 #include "store/data_module_main.h"
 #include "store/picture_commands.h"
 #include "store/record_kinds.h"
 #include "store/resource_holder.h"
 #include "store/ui/picture_pages.h"
+#include "store/ui/record_window.h"
 
 #include <QAction>
 #include <QApplication>
@@ -244,7 +244,9 @@ QWidget* TFormRecipes::BuildMainTab() {
     form->addWidget(m_name, 0, 1, 1, 5);
     form->addWidget(label("LabelTime", tr("&Time"), time), 1, 0);
     form->addWidget(time, 1, 1);
-    form->addWidget(new QLabel(tr("min"), page), 1, 2);
+    auto* minutes = new QLabel(tr("min"), page);
+    minutes->setObjectName(QStringLiteral("LabelTimeUnit"));
+    form->addWidget(minutes, 1, 2);
     form->addWidget(label("LabelServings", tr("&Servings"), servings), 1, 3, Qt::AlignRight);
     form->addWidget(servings, 1, 4);
     form->addWidget(m_freeForm, 2, 1, 1, 5);
@@ -312,7 +314,9 @@ QWidget* TFormRecipes::BuildContentsTab() {
     auto* scaleRow = new QHBoxLayout;
     scaleRow->addWidget(newServingsLabel);
     scaleRow->addWidget(m_newServings);
-    scaleRow->addWidget(new QLabel(tr("servings"), m_panelNotFree));
+    auto* newServingsUnit = new QLabel(tr("servings"), m_panelNotFree);
+    newServingsUnit->setObjectName(QStringLiteral("LabelNewServingsUnit"));
+    scaleRow->addWidget(newServingsUnit);
     scaleRow->addWidget(m_buttonRecalculate);
     scaleRow->addStretch(1);
     auto* notFreeLayout = new QVBoxLayout(m_panelNotFree);
@@ -409,7 +413,9 @@ QWidget* TFormRecipes::BuildNutritionTab() {
         edit->setToolTip(tr("%1 per serving").arg(label->text()));
         grid->addWidget(label, row, column);
         grid->addWidget(edit, row, column + 1);
-        grid->addWidget(new QLabel(QLatin1String(NutrientLabels[i].unit), page), row, column + 2);
+        auto* unit = new QLabel(QLatin1String(NutrientLabels[i].unit), page);
+        unit->setObjectName(QStringLiteral("LabelUnit") + QLatin1String(BioValueIds[i]));
+        grid->addWidget(unit, row, column + 2);
     }
     grid->setColumnMinimumWidth(3, 18);
     grid->setRowStretch(perColumn, 1);
@@ -499,6 +505,8 @@ void TFormRecipes::FormShow() {
         MdiFrame->SetCommandEnabled(QStringLiteral("ToolButtonImport"), false);
     // The search's rows take the grid; the details still come from the recipe table.
     Grid()->SetDatasetModel(m_shortcutModel);
+    for (int c = 0; c < RecordModel()->columnCount(); ++c) // under the titles just translated
+        m_shortcutModel->setHeaderData(c, Qt::Horizontal, RecordModel()->headerData(c, Qt::Horizontal));
     Grid()->SetKeyDataset(&RecordTable());
     GroupPanel()->hide();
     if (QSplitterHandle* handle = SplitterVertical()->handle(1))

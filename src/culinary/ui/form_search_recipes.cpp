@@ -210,7 +210,9 @@ QWidget* TFormSearchRecipes::BuildAdvancedPage() {
     labelNoServings->setBuddy(m_editNoServings);
     otherLayout->addWidget(labelPrepTime, 0, 0);
     otherLayout->addWidget(m_editPrepTime, 0, 1);
-    otherLayout->addWidget(new QLabel(tr("min")), 0, 2);
+    auto* minutes = new QLabel(tr("min"));
+    minutes->setObjectName(QStringLiteral("LabelPrepTimeUnit"));
+    otherLayout->addWidget(minutes, 0, 2);
     otherLayout->addWidget(labelNoServings, 1, 0);
     otherLayout->addWidget(m_editNoServings, 1, 1);
     otherLayout->setColumnStretch(3, 1);

@@ -1,9 +1,11 @@
 #include "culinary/ui/form_unit_converter.h"
 
 #include "culinary/unit_converter.h"
+#include "store/ui/record_window.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -16,6 +18,14 @@ QLineEdit* maskEdit(const char* name, const QString& mask, QWidget* parent) {
     edit->setObjectName(QLatin1String(name));
     edit->setInputMask(mask);
     return edit;
+}
+
+/// A row of the form; its label is named so that the translator finds it.
+void addRow(QFormLayout* form, const char* name, const QString& text, QWidget* field) {
+    auto* label = new QLabel(text, field->parentWidget());
+    label->setObjectName(QLatin1String(name));
+    label->setBuddy(field);
+    form->addRow(label, field);
 }
 
 QLineEdit* readOnlyEdit(const char* name, QWidget* parent) {
@@ -36,6 +46,7 @@ TFormUnitConverter::TFormUnitConverter(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("FormUnitConverter"));
     setWindowTitle(tr("Unit converter"));
     m_pages = new QTabWidget(this);
+    m_pages->setObjectName(QStringLiteral("PageControl"));
     m_length = new QWidget;
     m_length->setObjectName(QStringLiteral("TabSheetLength"));
     m_weight = new QWidget;
@@ -47,13 +58,13 @@ TFormUnitConverter::TFormUnitConverter(QWidget* parent) : QDialog(parent) {
     m_ounces = maskEdit("MaskEditOz", QStringLiteral("99"), m_weight);
     m_kilograms = readOnlyEdit("EditKilograms", m_weight);
     auto* lengthForm = new QFormLayout(m_length);
-    lengthForm->addRow(tr("Feet:"), m_feet);
-    lengthForm->addRow(tr("Inches:"), m_inches);
-    lengthForm->addRow(tr("Centimeters:"), m_centimetres);
+    addRow(lengthForm, "LabelFeet", tr("Feet:"), m_feet);
+    addRow(lengthForm, "LabelInches", tr("Inches:"), m_inches);
+    addRow(lengthForm, "LabelCentimeters", tr("Centimeters:"), m_centimetres);
     auto* weightForm = new QFormLayout(m_weight);
-    weightForm->addRow(tr("Pounds:"), m_pounds);
-    weightForm->addRow(tr("Ounces:"), m_ounces);
-    weightForm->addRow(tr("Kilograms:"), m_kilograms);
+    addRow(weightForm, "LabelPounds", tr("Pounds:"), m_pounds);
+    addRow(weightForm, "LabelOunces", tr("Ounces:"), m_ounces);
+    addRow(weightForm, "LabelKilograms", tr("Kilograms:"), m_kilograms);
     m_pages->addTab(m_length, tr("Length"));
     m_pages->addTab(m_weight, tr("Weight"));
 
@@ -80,6 +91,7 @@ void TFormUnitConverter::showEvent(QShowEvent* event) {
 }
 
 void TFormUnitConverter::FormShow() {
+    TranslateForm(this);
     const bool length = mode == 1;
     m_pages->setTabVisible(0, length);
     m_pages->setTabVisible(1, !length);

@@ -159,7 +159,9 @@ int TSearchWindow::AddNutrientLimits(QGridLayout* grid, int row) {
         grid->addWidget(label, r, c);
         grid->addWidget(op, r, c + 1);
         grid->addWidget(edit, r, c + 2);
-        grid->addWidget(new QLabel(QLatin1String(nutrient.unit)), r, c + 3);
+        auto* unit = new QLabel(QLatin1String(nutrient.unit));
+        unit->setObjectName(QStringLiteral("LabelUnit") + suffix);
+        grid->addWidget(unit, r, c + 3);
         m_operators.insert(QLatin1String(nutrient.column), op);
         m_limits.insert(QLatin1String(nutrient.column), edit);
     }
@@ -195,6 +197,7 @@ TVintraDBTreeView* TSearchWindow::MakeTree(const char* name, const QString& tabl
     tree->SetShowRootNode(true);
     tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
     tree->setAcceptDrops(false);
+    tree->setProperty("vintraSkip", true); // groups are data; the header is hidden
     return tree;
 }
 
@@ -288,9 +291,12 @@ void TSearchWindow::OpenInFrame(const QString& route, const char* method, int id
 }
 
 void TSearchWindow::showEvent(QShowEvent* event) {
-    // A window restored from the task bar is not shown anew.
-    if (!event->spontaneous())
+    // A window restored from the task bar is not shown anew; each other show takes the language
+    // in force.
+    if (!event->spontaneous()) {
+        TranslateForm(this);
         Guarded([this] { FormShow(); });
+    }
     QWidget::showEvent(event);
 }
 

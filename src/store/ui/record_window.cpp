@@ -112,6 +112,7 @@ void TRecordWindow::BuildLayout() {
     auto* groupLayout = new QVBoxLayout(m_groupPanel);
     groupLayout->setContentsMargins(0, 0, 0, 0);
     m_tree = new TVintraDBTreeView(m_groupPanel);
+    m_tree->setProperty("vintraSkip", true); // groups are data; the header is hidden
     groupLayout->addWidget(m_tree, 1);
 
     m_splitterHorizontal = new QSplitter(Qt::Vertical, m_splitterVertical);

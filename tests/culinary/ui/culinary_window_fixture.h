@@ -1,5 +1,5 @@
-// What the record window tests of this folder share: a frame as the windows see it and a small
-// dictionary of the keys a test looks for.
+// What the record window tests of this folder share: a frame as the windows see it, a small
+// dictionary of the keys a test looks for, and the controls found by name.
 #pragma once
 
 #include "test_store.h"
@@ -12,23 +12,32 @@
 #include <QXmlStreamWriter>
 
 /// The frame as the windows see it: a status panel, the quick search box, enabled commands and
-/// the routes asked for.
+/// the routes toggled ("Route+" shown, "Route-" hidden); a shown route's window is `window`.
 class FakeFrame : public TMdiFrame {
 public:
-    QString status;
+    QString status = QStringLiteral("unset");
     QString pattern;
     QMap<QString, bool> commands;
     QStringList toggled;
+    QObject* window = nullptr;
+    bool open = false;
     void SetStatusCount(const QString& text) override { status = text; }
     QString QuickSearchText() const override { return pattern; }
     void Toggle(const QString& route, bool show) override {
-        if (show)
-            toggled << route;
+        toggled << route + (show ? "+" : "-");
+        open = show;
     }
-    QObject* ChildWindow(const QString&) const override { return nullptr; }
+    QObject* ChildWindow(const QString&) const override { return open ? window : nullptr; }
     void CloseChild(QObject*) override {}
     void SetCommandEnabled(const QString& name, bool enabled) override { commands[name] = enabled; }
 };
+
+template <typename T> T* child(QObject& parent, const char* name) {
+    T* found = parent.findChild<T*>(QLatin1String(name));
+    if (!found)
+        qFatal("no child %s", name);
+    return found;
+}
 
 /// Installs a dictionary with the given entries for the store's holder.
 inline void WriteDictionary(TestStore& store, const QMap<QString, QString>& entries) {

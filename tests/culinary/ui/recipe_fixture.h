@@ -3,17 +3,15 @@
 // What the recipe window tests share: a database with groups, units, ingredients and recipes, a
 // frame that records what the window asks of it, and a modal runner that plays the user's part
 // in the dialogs the window opens.
-#include "test_store.h"
+#include "culinary_window_fixture.h"
 
 #include "components/database.h"
-#include "components/mdi_frame.h"
 #include "components/ui/modal_runner.h"
 
 #include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QImage>
-#include <QMap>
 #include <QPushButton>
 #include <QStringList>
 #include <QTest>
@@ -47,10 +45,7 @@ public:
              "( 100004, 1, 'Batter', 4, 0, NULL, 0 ), ( 100003, 2, 'Stew', 6, 0, NULL, NULL ), "
              "( 100005, 2, 'Roast', 8, 0, NULL, NULL )",
              "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 100004, 1, 200, 1 ), "
-             "( 100004, 2, 2, 9 )",
-             "INSERT INTO BioVals ( bioValueId, bioValueDesc ) VALUES ( 'Calories', '<p>Energy of food.</p>' "
-             "), "
-             "( 'Iron', '<p>Carries oxygen.</p>' )"});
+             "( 100004, 2, 2, 9 )"});
     }
     int count(const QString& sql) { return db().scalar(sql).toInt(); }
     double number(const QString& sql) { return db().scalar(sql).toDouble(); }
@@ -65,24 +60,6 @@ public:
         image.save(file, "JPG");
         return file;
     }
-};
-
-/// The frame as the window sees it.
-class FakeFrame : public TMdiFrame {
-public:
-    QString status = QStringLiteral("unset");
-    QString pattern;
-    QMap<QString, bool> commands;
-    QStringList toggled;
-    void SetStatusCount(const QString& text) override { status = text; }
-    QString QuickSearchText() const override { return pattern; }
-    void Toggle(const QString& route, bool show) override {
-        if (show)
-            toggled << route;
-    }
-    QObject* ChildWindow(const QString&) const override { return nullptr; }
-    void CloseChild(QObject*) override {}
-    void SetCommandEnabled(const QString& name, bool enabled) override { commands[name] = enabled; }
 };
 
 /// Plays the dialogs: each one the code runs takes the next script, which fills its controls and
@@ -109,13 +86,6 @@ public:
     QList<Step> steps;
     int run = 0;
 };
-
-template <typename T> T* child(QObject& parent, const char* name) {
-    T* found = parent.findChild<T*>(QLatin1String(name));
-    if (!found)
-        qWarning("no child %s", name);
-    return found;
-}
 
 inline void clickOk(QDialog& dialog) {
     QPushButton* ok = child<QPushButton>(dialog, "BitBtnOk");

@@ -1,11 +1,10 @@
 #pragma once
-// What the two search window tests share: a small kitchen, a frame that records what the windows
-// ask of it, and real mouse drags between widgets.
+// What the two search window tests share: a small kitchen, the rows and controls a user clicks,
+// and real mouse drags between widgets.
 
-#include "test_store.h"
+#include "culinary_window_fixture.h"
 
 #include "components/dataset.h"
-#include "components/mdi_frame.h"
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
 
@@ -50,23 +49,6 @@ const QStringList kKitchen = {
     "INSERT INTO RecCat ( recId, catId ) VALUES ( 1, 1 ), ( 1, 2 ), ( 4, 2 ), ( 5, 1 ), ( 7, 2 ), ( 2, 3 )",
 };
 
-/// The frame: opening a route shows `window`, and every toggle is recorded.
-class FakeFrame : public TMdiFrame {
-public:
-    QStringList toggles;
-    QObject* window = nullptr; ///< what the opened route shows
-    bool open = false;
-    void SetStatusCount(const QString&) override {}
-    QString QuickSearchText() const override { return QString(); }
-    void Toggle(const QString& route, bool show) override {
-        toggles << route + (show ? "+" : "-");
-        open = show;
-    }
-    QObject* ChildWindow(const QString&) const override { return open ? window : nullptr; }
-    void CloseChild(QObject*) override {}
-    void SetCommandEnabled(const QString&, bool) override {}
-};
-
 inline QList<int> sortedIds(qm::Dataset& query, const QString& key) {
     QList<int> ids;
     if (!query.Active())
@@ -105,17 +87,19 @@ inline void bringTab(QWidget* window, QWidget* widget) {
             pages->setCurrentIndex(i);
 }
 
-/// Clicks the grid row whose `field` holds `value`.
-inline void clickRow(TVintraDBGrid* grid, const QString& field, const QVariant& value) {
+/// The centre, in the viewport, of the grid row whose `field` holds `value`.
+inline QPoint rowCenter(TVintraDBGrid* grid, const QString& field, const QVariant& value) {
     qm::Dataset* data = grid->Dataset();
     const int column = data->fieldIndex(field);
     for (int row = 0; row < data->RecordCount(); ++row)
-        if (data->value(row, column) == value) {
-            const QRect rect = grid->visualRect(grid->model()->index(row, 0));
-            QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, rect.center());
-            return;
-        }
+        if (data->value(row, column) == value)
+            return grid->visualRect(grid->model()->index(row, 0)).center();
     qFatal("no row with %s", qPrintable(value.toString()));
+}
+
+inline void clickRow(TVintraDBGrid* grid, const QString& field, const QVariant& value,
+                     Qt::KeyboardModifiers modifiers = {}) {
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, rowCenter(grid, field, value));
 }
 
 /// A real drag with the mouse: pressed on `from` (a point of `source`'s viewport), moved until the

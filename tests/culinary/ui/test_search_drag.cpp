@@ -17,13 +17,7 @@ private slots:
         TVintraDBGrid* grid = k.ingredients();
         bringTab(&k.form, grid);
         QVERIFY(k.types()->Locate(3));
-        auto rowOf = [grid](int id) {
-            const int field = grid->Dataset()->fieldIndex("ingredId");
-            for (int row = 0; row < grid->Dataset()->RecordCount(); ++row)
-                if (grid->Dataset()->value(row, field).toInt() == id)
-                    return grid->visualRect(grid->model()->index(row, 0)).center();
-            return QPoint(-1, -1);
-        };
+        auto rowOf = [grid](int id) { return rowCenter(grid, "ingredId", id); };
         QVERIFY(drag(grid, rowOf(10), k.box("ListBoxContains")));
         QCOMPARE(k.names("ListBoxContains"), QStringList{"Salt"});
         QVERIFY(drag(grid, rowOf(14), k.box("ListBoxNotContains")));
@@ -50,7 +44,7 @@ private slots:
 
         // Several rows at once, in the grid's order.
         clickRow(grid, "ingredId", 10);
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, Qt::ControlModifier, rowOf(14));
+        clickRow(grid, "ingredId", 14, Qt::ControlModifier);
         QVERIFY(drag(grid, rowOf(10), contains));
         QCOMPARE(k.names("ListBoxContains"), (QStringList{"Pepper", "Salt"}));
         QCOMPARE(k.form.ContainsIds(), (QList<int>{14, 10}));

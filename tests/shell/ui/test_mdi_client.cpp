@@ -34,8 +34,6 @@ private slots:
         QTest::addColumn<int>("value");
         QTest::addColumn<QColor>("color");
         QTest::newRow("white") << 16777215 << QColor(Qt::white);
-        QTest::newRow("red") << 0x0000FF << QColor(255, 0, 0);
-        QTest::newRow("blue") << 0xFF0000 << QColor(0, 0, 255);
         QTest::newRow("mixed") << 0x563412 << QColor(0x12, 0x34, 0x56);
     }
     void colourOptionsAreBlueGreenRed() {
@@ -74,7 +72,8 @@ private slots:
         QTest::addColumn<int>("height");
         QTest::newRow("smaller, odd room") << 21 << 11;
         QTest::newRow("smaller, even room") << 20 << 10;
-        QTest::newRow("wider than the client") << 25 << 9; // the client is made narrower below
+        // The client is made narrower below, by an odd count: the negative half rounds toward zero.
+        QTest::newRow("wider than the client") << 25 << 9;
     }
     void thePictureStandsCentredRoundedTowardZero() {
         QFETCH(int, width);
@@ -88,52 +87,35 @@ private slots:
         const QSize room = client.viewport()->size();
         const QPoint expected((room.width() - width) / 2, (room.height() - height) / 2);
         QCOMPARE(client.PicturePosition(), expected);
-        if (width == 25) {
-            QVERIFY(room.width() < width);
-            QVERIFY((width - room.width()) % 2 == 1);
-            QCOMPARE(expected.x(), -((width - room.width()) / 2)); // -2.5 gives -2, not -3
-        }
         const QImage image = shown(client);
         // The pixel at the picture's column c (red c*10) stands at x = position + c.
         for (int x = std::max(0, expected.x() + 1); x < std::min(room.width(), expected.x() + width); ++x)
             QCOMPARE(image.pixelColor(x, expected.y() + height / 2).red(), ((x - expected.x()) * 10) % 256);
-        if (expected.x() > 0) {
-            QCOMPARE(image.pixelColor(expected.x() - 1, expected.y()), QColor(Qt::green));
-            QCOMPARE(image.pixelColor(expected.x(), expected.y()), QColor(Qt::blue));
-        }
         if (expected.y() > 0)
             QCOMPARE(image.pixelColor(std::max(0, expected.x() + 1), expected.y() - 1), QColor(Qt::green));
     }
 
-    void transparencyDropsTheColourOfTheBottomLeftPixel() {
+    // The colour of the bottom-left pixel is see-through when asked; a resize centres again.
+    void transparencyAndResize() {
         const QString file = writePicture(m_dir, QStringLiteral("keyed.png"), 20, 10);
         TMdiClient client;
         client.resize(100, 60);
         client.show();
         client.SetBackground(QColor(Qt::green), file, true);
-        QPoint at = client.PicturePosition();
+        const QPoint at = client.PicturePosition();
         QImage image = shown(client);
         QCOMPARE(image.pixelColor(at), QColor(Qt::green)); // the blue column is gone
         QCOMPARE(image.pixelColor(at + QPoint(5, 0)), QColor(50, 0, 0));
 
         client.SetBackground(QColor(Qt::green), file, false);
-        image = shown(client);
-        QCOMPARE(image.pixelColor(at), QColor(Qt::blue));
-    }
+        QCOMPARE(shown(client).pixelColor(at), QColor(Qt::blue));
 
-    void aResizeRepaintsAroundTheNewCentre() {
-        TMdiClient client;
-        client.resize(100, 60);
-        client.show();
-        client.SetBackground(QColor(Qt::green), writePicture(m_dir, QStringLiteral("move.png"), 10, 10),
-                             false);
-        const QPoint before = client.PicturePosition();
         client.resize(160, 100);
         const QPoint after = client.PicturePosition();
-        QVERIFY(after != before);
-        const QImage image = shown(client);
+        QVERIFY(after != at);
+        image = shown(client);
         QCOMPARE(image.pixelColor(after), QColor(Qt::blue));
-        QCOMPARE(image.pixelColor(before), QColor(Qt::green));
+        QCOMPARE(image.pixelColor(at), QColor(Qt::green));
     }
 };
 

@@ -21,7 +21,8 @@ class TestShortcutBar : public QObject {
                 outlook.AddPage(QLatin1String(page));
             outlook.AddItem(0, QStringLiteral("Recipes"), QIcon());
             shortcuts = new TShortcutBar(&outlook, &outlook);
-            shortcuts->OpenRoute = [this](const QString& route, const QString& definition, const QString& name) {
+            shortcuts->OpenRoute = [this](const QString& route, const QString& definition,
+                                          const QString& name) {
                 opened << route + '|' + definition + '|' + name;
             };
         }
@@ -54,8 +55,9 @@ private slots:
 
     void openRenameMoveDelete() {
         TestStore store;
-        store.exec({"INSERT INTO Shortcuts ( shortcutId, shortcutName, shortcutType, shortcutDefinition ) VALUES "
-                    "( 1, 'Soups', 1, 'SELECT 1' ), ( 2, 'Dairy', 2, 'SELECT 2' ), ( 3, 'Odd', 3, 'SELECT 3' )"});
+        store.exec(
+            {"INSERT INTO Shortcuts ( shortcutId, shortcutName, shortcutType, shortcutDefinition ) VALUES "
+             "( 1, 'Soups', 1, 'SELECT 1' ), ( 2, 'Dairy', 2, 'SELECT 2' ), ( 3, 'Odd', 3, 'SELECT 3' )"});
         Bar bar;
         bar.shortcuts->Load();
         QCOMPARE(bar.captions(), (QStringList{"Soups", "Dairy", "Odd"}));
