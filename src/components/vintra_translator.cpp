@@ -109,6 +109,8 @@ void TVintraTranslator::visit(QObject* object, bool root) {
         } else if (object->property("toolTip").isValid()) {
             translateProperty(object, "toolTip", hintKey);
         }
+        if (object->property("placeholderText").isValid())
+            translateProperty(object, "placeholderText", key + QStringLiteral(".Placeholder"));
         for (const QMetaObject* meta = object->metaObject(); meta; meta = meta->superClass()) {
             const auto handler = handlers().constFind(QByteArray(meta->className()));
             if (handler != handlers().cend()) {

@@ -12,7 +12,8 @@ class TVintraDictionary;
 /// dictionary, falling back to the form's own English.
 ///
 /// Keys: "<Form>.Caption" for the form's title, "<Form>.<Control>" for a control's caption,
-/// "<Form>.<Control>.Hint" for its hint, "<Form>.<Control>.Column<N>" for column N (from 0) of a
+/// "<Form>.<Control>.Hint" for its hint, "<Form>.<Control>.Placeholder" for the grey text of an
+/// empty edit, "<Form>.<Control>.Column<N>" for column N (from 0) of a
 /// grid, "<Form>.<Page>" for a tab or tool box page. <Form> and <Control> are object names.
 ///
 /// What counts as a caption: the text of buttons, labels and actions, the title of group boxes

@@ -119,6 +119,8 @@ std::optional<KeyTarget> target(QWidget& form, const QString& key) {
     for (QObject* object : form.findChildren<QObject*>(parts.first())) {
         if (parts.size() == 2 && parts.last() == QLatin1String("Hint"))
             return KeyTarget{object, object->inherits("QAction") ? "statusTip" : "toolTip"};
+        if (parts.size() == 2 && parts.last() == QLatin1String("Placeholder"))
+            return KeyTarget{object, "placeholderText"};
         if (parts.size() == 2 && parts.last().startsWith(QLatin1String("Column")) &&
             object->inherits("QAbstractItemView"))
             return KeyTarget{object, "column" + parts.last().mid(6).toLatin1()};
@@ -292,6 +294,7 @@ private slots:
                                                        "FormSearchRecipes.TabSheetAdvanced",
                                                        "FormSearchRecipes.DBGridResults.Column1",
                                                        "FormSearchRecipes.BitBtnNewSearch",
+                                                       "FormSearchRecipes.EditPattern.Placeholder",
                                                        "FormSearchRecipes.GroupBoxNutrients",
                                                        "FormSearchRecipes.LabelTotalCarbo"};
         QTest::newRow("search ingredients")
