@@ -66,7 +66,7 @@ TVintraDBGrid* listGrid(QWidget* parent, const char* name, qm::DatasetModel* mod
 TFormIngredients::TFormIngredients(QWidget* parent) : TRecordWindow(RecordKinds::Ingredients(), parent) {
     setObjectName(QStringLiteral("FormIngredients"));
     setWindowTitle(tr("Ingredients"));
-    Tag = 1;
+    Tag = PrintIngredients ? 1 : 0; // printable once a report is wired to it
     setMinimumSize(660, 480);
     RecordTable().setObjectName(QStringLiteral("TableIngredients"));
     GroupTable().setObjectName(QStringLiteral("TableIngredientTypes"));

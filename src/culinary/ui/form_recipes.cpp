@@ -112,7 +112,7 @@ TFormRecipes::TFormRecipes(const QString& shortcutSql, const QString& shortcutNa
       m_shortcutName(shortcutName) {
     setObjectName(QStringLiteral("FormRecipes"));
     setWindowTitle(tr("Recipes"));
-    Tag = 1;
+    Tag = PrintRecipes ? 1 : 0; // printable once a report is wired to it
     RecordTable().setObjectName(QStringLiteral("TableRecipes"));
     GroupTable().setObjectName(QStringLiteral("TableRecipeGroups"));
     TreeView()->setObjectName(QStringLiteral("TreeViewRecipeGroups"));

@@ -34,6 +34,7 @@ protected:
     QString ResultKey() const override { return QStringLiteral("ingredId"); }
     void OpenRecord(int id) override;
     void PrintRecords(const QString& idList) override;
+    bool CanPrint() const override { return bool(PrintIngredients); }
     void FormShow() override;
 
 private:

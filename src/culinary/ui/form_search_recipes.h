@@ -61,6 +61,7 @@ protected:
     QString ResultKey() const override { return QStringLiteral("recId"); }
     void OpenRecord(int id) override;
     void PrintRecords(const QString& idList) override;
+    bool CanPrint() const override { return bool(PrintRecipes); }
     void FormShow() override;
     void FormClose() override;
 

@@ -27,7 +27,7 @@ QVariant currentValue(qm::Dataset& table, const QString& field) {
 TFormUnits::TFormUnits(QWidget* parent) : TRecordWindow(RecordKinds::Units(), parent) {
     setObjectName(QStringLiteral("FormUnits"));
     setWindowTitle(tr("Units"));
-    Tag = 1;
+    Tag = PrintUnits ? 1 : 0; // printable once a report is wired to it
     setMinimumSize(660, 480);
 
     qm::Dataset& units = RecordTable();

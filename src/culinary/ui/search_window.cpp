@@ -253,7 +253,7 @@ void TSearchWindow::ShrinkToCriteria() {
 void TSearchWindow::UpdateButtons() {
     const bool rows = m_querySearch.Active() && !m_querySearch.IsEmpty();
     m_bitBtnOpen->setEnabled(rows);
-    m_bitBtnPrint->setEnabled(rows);
+    m_bitBtnPrint->setEnabled(rows && CanPrint());
 }
 
 void TSearchWindow::BitBtnOpenClick() {

@@ -58,6 +58,8 @@ protected:
     virtual void OpenRecord(int id) = 0;
     /// Hands the ids of the selected results to the report.
     virtual void PrintRecords(const QString& idList) = 0;
+    /// Whether a report is wired to print with; without one the print button stays off.
+    virtual bool CanPrint() const = 0;
     /// Every show that is not the system's: trees and lists are read again.
     virtual void FormShow() = 0;
     /// The close button and the close box: the window hides and closes the lists it reads at show.

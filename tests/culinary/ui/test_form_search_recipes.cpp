@@ -42,8 +42,13 @@ private slots:
         // The window grows so that the rows show.
         QVERIFY(k.results()->isVisible());
         QVERIFY(k.form.height() >= criteriaHeight + TFormSearchRecipes::ResultsHeight);
-        for (const char* button : {"BitBtnOpen", "BitBtnPrint", "BitBtnSaveShortcut"})
+        for (const char* button : {"BitBtnOpen", "BitBtnSaveShortcut"})
             QVERIFY2(child<QPushButton>(&k.form, button)->isEnabled(), button);
+        // Print needs rows and a report to print with.
+        QVERIFY(!child<QPushButton>(&k.form, "BitBtnPrint")->isEnabled());
+        TFormSearchRecipes::PrintRecipes = [](const QString&) {};
+        QCOMPARE(k.find(), kEveryRecipe);
+        QVERIFY(child<QPushButton>(&k.form, "BitBtnPrint")->isEnabled());
 
         // "All groups" with a group selected limits nothing; without it, the group and those below.
         QVERIFY(k.groups()->Locate(3));
@@ -62,6 +67,7 @@ private slots:
         for (const char* button : {"BitBtnOpen", "BitBtnPrint", "BitBtnSaveShortcut"})
             QVERIFY2(!child<QPushButton>(&k.form, button)->isEnabled(), button);
         QCOMPARE(k.presenter.texts(), QStringList());
+        TFormSearchRecipes::PrintRecipes = nullptr;
 
         click(&k.form, "BitBtnNewSearch");
         QVERIFY(!k.results()->isVisible());

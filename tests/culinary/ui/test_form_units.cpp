@@ -1,6 +1,7 @@
 // The units window on a fresh database, shown offscreen: the delete order, the post checks, the
 // type buttons and their scroll guard, the type column, the quick search and the column widths.
 #include "culinary_window_fixture.h"
+#include "search_fixture.h"
 
 #include "components/ui/vintra_db_grid.h"
 #include "culinary/ui/form_units.h"
@@ -71,6 +72,26 @@ private slots:
         MdiFrame = &m_frame;
     }
     void cleanup() { MdiFrame = nullptr; }
+
+    // Printable only with a report wired; then the marked rows go to it, locked ones flagged.
+    void printHandsOnTheSelection() {
+        UnitStore store;
+        QCOMPARE(open()->Tag, 0);
+        QString printed;
+        bool locked = false;
+        TFormUnits::PrintUnits = [&](const QString& ids, bool containsLocked) {
+            printed = ids;
+            locked = containsLocked;
+        };
+        auto form = open();
+        QCOMPARE(form->Tag, 1);
+        search_fixture::clickRow(form->Grid(), "unitId", 100003);
+        search_fixture::clickRow(form->Grid(), "unitId", 2, Qt::ControlModifier);
+        form->Print();
+        TFormUnits::PrintUnits = nullptr;
+        QCOMPARE(printed, QStringLiteral("2, 100003")); // in the grid's order, by name
+        QVERIFY(locked);
+    }
 
     void deleteRules_data() {
         QTest::addColumn<int>("unitId");
