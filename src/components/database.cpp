@@ -119,9 +119,16 @@ void Database::open(const QString& path) {
     }
     m_path = path;
     // Each statement stands alone and must be durable when it returns: WAL with a full sync
-    // gives that with one sync per statement.
-    exec(QStringLiteral("PRAGMA journal_mode = WAL"));
-    exec(QStringLiteral("PRAGMA synchronous = FULL"));
+    // gives that with one sync per statement. The first statement is also where SQLite finds out
+    // that a file is no database at all.
+    try {
+        exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+        exec(QStringLiteral("PRAGMA synchronous = FULL"));
+    } catch (const DbError& error) {
+        const QString message = QString::fromStdString(error.what()).section(QLatin1Char('\n'), 0, 0);
+        close();
+        throw DbError(QStringLiteral("Cannot open the database: ") + message, path);
+    }
 }
 
 void Database::close() {

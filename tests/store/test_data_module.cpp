@@ -209,7 +209,6 @@ private slots:
             TestStore store(311, false);
             TScriptedPresenter presenter;
             store.dataModule().DataModuleCreate();
-            QVERIFY(!store.dataModule().databaseUsable);
             QVERIFY(!store.dataModule().initialised);
             QVERIFY(!store.db().isOpen());
             QCOMPARE(presenter.shown.size(), 1);
@@ -276,6 +275,20 @@ private slots:
         QFile::remove(store.databaseFile());
         QVERIFY_THROWS_EXCEPTION(qm::DbError, store.dataModule().DataModuleCreate());
         QVERIFY(!QFile::exists(store.databaseFile()));
+    }
+
+    // A file that is no database is reported as such and left exactly as it was.
+    void brokenDatabaseFileIsLeftAlone() {
+        TestStore store(310, false);
+        touch(store.databaseFile(), QByteArray(2048, 'x'));
+        const QByteArray before = fileHash(store.databaseFile());
+        try {
+            store.dataModule().DataModuleCreate();
+            QFAIL("a broken file opened");
+        } catch (const qm::DbError& error) {
+            QVERIFY2(QString::fromUtf8(error.what()).startsWith("Cannot open the database: "), error.what());
+        }
+        QCOMPARE(fileHash(store.databaseFile()), before);
     }
 
     // Moving and clearing through the commands is the picture commands' test; here the numbering
