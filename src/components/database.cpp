@@ -42,9 +42,11 @@ QVariant SqlRows::value(int row, const QString& name) const {
 }
 
 QString bindNamedParameters(const QString& sql, const SqlParams& params, QVariantList& values) {
+    values.clear();
+    if (!sql.contains(QLatin1Char(':')))
+        return sql; // nothing to bind: the common case of a statement formatted in full
     QString out;
     out.reserve(sql.size());
-    values.clear();
     const qsizetype n = sql.size();
     for (qsizetype i = 0; i < n; ++i) {
         const QChar c = sql.at(i);
@@ -157,6 +159,13 @@ QSqlQuery Database::run(const QString& sql, const SqlParams& params) {
     query.setForwardOnly(true);
     QVariantList values;
     const QString text = bindNamedParameters(sql, params, values);
+    if (values.isEmpty()) {
+        // Without parameters the statement runs directly: preparing would only scan it again for
+        // placeholders.
+        if (!query.exec(text))
+            throw DbError(query.lastError().text(), sql);
+        return query;
+    }
     if (!query.prepare(text))
         throw DbError(query.lastError().text(), sql);
     for (int i = 0; i < values.size(); ++i)
