@@ -57,6 +57,14 @@ private slots:
                        "I.ingredId )"),
                  0);
         QCOMPARE(count("SELECT COUNT(*) FROM Ingreds WHERE unitId NOT IN ( SELECT unitId FROM Units )"), 0);
+        // Menu totals read a volume base unit's grams from any food: a priced food must go by weight
+        // for its menu cost to be true.
+        QCOMPARE(
+            count("SELECT COUNT(*) FROM Ingreds I, Units U WHERE I.unitId = U.unitId AND U.unitType <> 1 "
+                  "AND I.ingredPrice IS NOT NULL"),
+            0);
+        QVERIFY(count("SELECT COUNT(*) FROM Ingreds WHERE unitId = 13") >
+                1000); // the rest: liquids by the liter
         QCOMPARE(
             count("SELECT COUNT(*) FROM Contents C, Units U WHERE C.unitId = U.unitId AND U.unitType = 2 "
                   "AND NOT EXISTS ( SELECT 1 FROM Convs V WHERE V.unitId = C.unitId AND V.ingredId = "

@@ -461,6 +461,10 @@ void TestUsdaConvert::pricesFillTheBasePrice() {
              QStringLiteral("8.5"));
     QCOMPARE(column(*ingreds, *findRow(*ingreds, QStringLiteral("9520")), QStringLiteral("ingredPrice")),
              QString());
+    // Milk, a liquid, is kept by the kilogram once it has a price.
+    const QStringList* milk = findRow(*ingreds, QStringLiteral("1077"));
+    QCOMPARE(column(*ingreds, *milk, QStringLiteral("unitId")), QString::number(Kilogram));
+    QCOMPARE(column(*ingreds, *milk, QStringLiteral("ingredPrice")), QStringLiteral("0.99"));
     QCOMPARE(result.pricedIngredients, 2);
     QCOMPARE(result.warnings.size(), 1);
     QVERIFY(result.warnings.first().contains(QStringLiteral("99999")));
@@ -543,10 +547,13 @@ void TestUsdaConvert::deliveredReferenceData() {
             QCOMPARE(row.at(2), QStringLiteral("Butter, salted"));
             QCOMPARE(row.at(cal), QStringLiteral("717"));
         }
-        if (row.at(0) == QStringLiteral("1077"))
+        // Liquids by the liter and eggs by the piece, unless priced: then by the kilogram.
+        if (row.at(0) == QStringLiteral("1085"))
             QCOMPARE(u, QStringLiteral("13"));
-        if (row.at(0) == QStringLiteral("1123"))
+        if (row.at(0) == QStringLiteral("1129"))
             QCOMPARE(u, QStringLiteral("19"));
+        if (row.at(0) == QStringLiteral("1077") || row.at(0) == QStringLiteral("1123"))
+            QCOMPARE(u, QStringLiteral("2"));
     }
     QCOMPARE(grams.value({QStringLiteral("9"), QStringLiteral("1077")}), QStringLiteral("244"));
     QCOMPARE(grams.value({QStringLiteral("8"), QStringLiteral("1001")}), QStringLiteral("14.2"));

@@ -954,8 +954,12 @@ SeedResult buildSeedTables(const UsdaData& data, const QHash<int, QString>& pric
             desc << QStringLiteral("Scientific name: %1").arg(food.sciName);
 
         const FoodUnits fu = foodUnits(food.longDesc, data.weights.value(food.ndbNo));
-        const int baseUnit = chooseBaseUnit(food.longDesc, food.groupCode, fu);
-        if (baseUnit != Liter && isLiquidFood(food.longDesc, food.groupCode, fu))
+        // A priced food is kept by the kilogram: the menu and calendar totals take a volume or
+        // count base unit's grams from whichever food comes first, so only a weight base unit
+        // gives a true cost.
+        const bool priced = prices.contains(food.ndbNo);
+        const int baseUnit = priced ? Kilogram : chooseBaseUnit(food.longDesc, food.groupCode, fu);
+        if (!priced && baseUnit != Liter && isLiquidFood(food.longDesc, food.groupCode, fu))
             ++result.liquidsWithoutVolume;
         ++result.baseUnits[baseUnit];
 
