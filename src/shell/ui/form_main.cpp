@@ -1115,6 +1115,7 @@ void TFormMain::DeactivateChild(QWidget* form) {
     SetStatusCount(QString());
     // The user may be typing a pattern for this child into the quick search box.
     if (!m_editQuickSearch->hasFocus()) {
+        Item("MIPrint")->setEnabled(false);
         Item("MIFind")->setEnabled(false);
         Item("MIFindNext")->setEnabled(false);
     }
