@@ -957,8 +957,10 @@ void TFormMain::Toggle(const QString& name, bool show) {
 void TFormMain::ToggleOn(TChildRoute& route) {
     if (route.ToolButton)
         route.ToolButton->setChecked(true);
-    if (route.ShortcutToggle && !route.PendingDefinition.isEmpty() && route.Window) {
-        // The shortcut's window replaces the open one, whose Window menu entry stays behind.
+    if (route.ShortcutToggle && route.Window &&
+        (!route.PendingDefinition.isEmpty() || !route.WindowDefinition.isEmpty())) {
+        // A shortcut's window replaces the open one, and the plain window replaces a shortcut's;
+        // the Window menu entry of the old one stays behind.
         QWidget* old = route.Window;
         if (old == m_activeChild) {
             DeactivateChild(old);
@@ -985,6 +987,7 @@ void TFormMain::ToggleOn(TChildRoute& route) {
         m_windowEntries << entry;
         m_windowForms << form;
         route.Window = form;
+        route.WindowDefinition = route.PendingDefinition;
     }
     if (!route.Window)
         throw std::runtime_error("Access violation: the " + route.Name.toStdString() +

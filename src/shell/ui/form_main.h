@@ -70,6 +70,7 @@ struct TChildRoute {
     std::function<void()> Run; ///< Modal
     QPointer<QWidget> Window;  ///< the window's pointer: null while closed
     QString PendingDefinition; ///< handed to the next window this route creates
+    QString WindowDefinition;  ///< the definition the open window was made with
 
     bool Registered() const { return Kind == TRouteKind::Modal ? bool(Run) : bool(Factory); }
 };

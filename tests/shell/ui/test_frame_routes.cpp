@@ -251,10 +251,6 @@ private slots:
         QCOMPARE(m_journal.requests.at(0).Definition, QStringLiteral("SELECT 1"));
         QCOMPARE(m_journal.requests.at(0).Name, QStringLiteral("Soups"));
 
-        // Without a definition the open window is only shown.
-        form.Toggle(QStringLiteral("Recipes"), true);
-        QCOMPARE(m_journal.created, 1);
-
         form.OpenShortcut(QStringLiteral("Recipes"), QStringLiteral("SELECT 2"), QStringLiteral("Cakes"));
         flushDeletes();
         QVERIFY(!first);
@@ -265,10 +261,17 @@ private slots:
         form.WindowMenuItemsClick(form.WindowMenuEntries().at(0));
         QCOMPARE(entryTexts(form), QStringList({"Recipes*", "Recipes"}));
 
+        // Plain recipes make way the other way round too; a plain window is then only shown.
+        form.Toggle(QStringLiteral("Recipes"), true);
+        QCOMPARE(m_journal.created, 3);
+        QCOMPARE(m_journal.requests.at(2).Definition, QString());
+        form.Toggle(QStringLiteral("Recipes"), true);
+        QCOMPARE(m_journal.created, 3);
+
         // A route without the longer toggle keeps its window.
         form.Toggle(QStringLiteral("Units"), true);
         form.OpenShortcut(QStringLiteral("Units"), QStringLiteral("SELECT 3"), QString());
-        QCOMPARE(m_journal.created, 3);
+        QCOMPARE(m_journal.created, 4);
     }
 
     void printAndFindFollowTheActiveChild_data() {
