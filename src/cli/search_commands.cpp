@@ -36,10 +36,10 @@ private:
     int m_pos = 0;
 };
 
-// The edits take digits only, as their masks do.
-bool digits(const QString& text, int maxDigits) {
-    static const QRegularExpression re(QStringLiteral("^\\d+$"));
-    return re.match(text).hasMatch() && text.size() <= maxDigits;
+// Whole numbers, as the edits take; the command line has no mask to limit their length.
+bool digits(const QString& text) {
+    static const QRegularExpression re(QStringLiteral("^\\d{1,9}$"));
+    return re.match(text).hasMatch();
 }
 
 bool intValue(const QString& text, QList<int>& list) {
@@ -51,7 +51,8 @@ bool intValue(const QString& text, QList<int>& list) {
 }
 
 bool nutrientLimit(const QString& text, QMap<QString, TNutrientLimit>& limits) {
-    static const QRegularExpression re(QStringLiteral("^(\\w+)(>=|<=)(\\d{1,4})$"));
+    // A limit may have decimals here (fat, vitamins); it goes into the statement as typed.
+    static const QRegularExpression re(QStringLiteral("^(\\w+)(>=|<=)(\\d{1,9}(?:\\.\\d+)?)$"));
     const QRegularExpressionMatch m = re.match(text);
     if (!m.hasMatch() || !SearchNutrientOrder.contains(m.captured(1)))
         return false;
@@ -104,9 +105,9 @@ int SearchRecipes(Context& c, const QStringList& args) {
         else if (name == QLatin1String("--not-category"))
             ok = intValue(value, criteria.notBelongsTo);
         else if (name == QLatin1String("--max-time"))
-            ok = digits(criteria.prepTime = value, 3);
+            ok = digits(criteria.prepTime = value);
         else if (name == QLatin1String("--servings"))
-            ok = digits(criteria.servings = value, 2);
+            ok = digits(criteria.servings = value);
         else if (name == QLatin1String("--nutrient"))
             ok = nutrientLimit(value, criteria.nutrients);
         else if (name == QLatin1String("--contains"))

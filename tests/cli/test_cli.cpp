@@ -88,6 +88,28 @@ private slots:
         QCOMPARE(bad.status, 1);
         QVERIFY(bad.err.contains("menuGroup"));
     }
+
+    // Limits go into the statement as typed, decimals too; anything else is a usage error.
+    void searchOptions_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("fragment");
+        QTest::newRow("decimal limit") << QStringList{"--nutrient", "nutTotalFat<=5.5"} << 0
+                                       << " AND nutTotalFat <= 5.5";
+        QTest::newRow("long time") << QStringList{"--max-time", "1000"} << 0 << " AND recTime <= 1000";
+        QTest::newRow("unknown column") << QStringList{"--nutrient", "nutSugar<=5"} << 2 << QString();
+        QTest::newRow("no operator") << QStringList{"--nutrient", "nutCal=5"} << 2 << QString();
+        QTest::newRow("negative servings") << QStringList{"--servings", "-2"} << 2 << QString();
+    }
+    void searchOptions() {
+        QFETCH(QStringList, args);
+        QFETCH(int, status);
+        QFETCH(QString, fragment);
+        const Result r = run(QStringList{"search-recipes", "--all-groups", "--sql"} + args);
+        QCOMPARE(r.status, status);
+        if (status == 0)
+            QVERIFY2(r.out.contains(fragment), qPrintable(r.out));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestCli)
