@@ -13,7 +13,8 @@ function(qm_ui_library name)
 endfunction()
 
 # qm_add_test(NAME SOURCES... LIBS libs... [GUI]): one QtTest executable registered with CTest.
-# Every test runs offscreen and gets QM_TEST_DATA (tests/data) and QM_SOURCE_DATA (data/).
+# Every test runs offscreen in the C locale (numbers with a point) and gets QM_TEST_DATA
+# (tests/data) and QM_SOURCE_DATA (data/).
 function(qm_add_test name)
   cmake_parse_arguments(T "GUI" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${T_SOURCES})
@@ -25,7 +26,7 @@ function(qm_add_test name)
     QM_BIN_DIR="${QM_BIN_DIR}")
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=qt.qpa.*=false"
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=qt.qpa.*=false;LC_ALL=C.UTF-8"
     TIMEOUT 300)
 endfunction()
 

@@ -13,12 +13,10 @@ const char* const UpdatePrice =
 
 namespace {
 
-// The price is written in the machine's decimal format; a plain point is read as well.
+// The price is written in the machine's decimal format, and only in that.
 bool readPrice(const QString& text, double& price) {
     bool ok = false;
     price = QLocale::system().toDouble(text.trimmed(), &ok);
-    if (!ok)
-        price = QLocale::c().toDouble(text.trimmed(), &ok);
     return ok;
 }
 
@@ -55,7 +53,8 @@ TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName) {
             continue;
         db.exec(QString::fromLatin1(PriceListSql::UpdatePrice),
                 {{QStringLiteral("ingredPrice"), price}, {QStringLiteral("ingredId"), id}});
-        ++result.applied;
+        if (db.changes() > 0) // an unknown id updates nothing
+            ++result.applied;
     }
     if (xml.hasError())
         result.error = QStringLiteral("%1 (line %2)").arg(xml.errorString()).arg(xml.lineNumber());

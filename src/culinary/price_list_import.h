@@ -10,7 +10,7 @@ namespace PriceListSql {
 extern const char* const UpdatePrice;
 }
 
-/// What an import did: elements applied, and the reader's complaint when the file broke off.
+/// What an import did: elements that set a price, and the reader's complaint when the file broke off.
 struct TPriceListResult {
     int applied = 0;
     QString error;

@@ -94,8 +94,8 @@ private slots:
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("status");
         QTest::addColumn<QString>("fragment");
-        QTest::newRow("decimal limit") << QStringList{"--nutrient", "nutTotalFat<=5.5"} << 0
-                                       << " AND nutTotalFat <= 5.5";
+        QTest::newRow("decimal limit")
+            << QStringList{"--nutrient", "nutTotalFat<=5.5"} << 0 << " AND nutTotalFat <= 5.5";
         QTest::newRow("long time") << QStringList{"--max-time", "1000"} << 0 << " AND recTime <= 1000";
         QTest::newRow("unknown column") << QStringList{"--nutrient", "nutSugar<=5"} << 2 << QString();
         QTest::newRow("no operator") << QStringList{"--nutrient", "nutCal=5"} << 2 << QString();
