@@ -137,6 +137,21 @@ void TVintraDBTreeView::AddNode(QTreeWidgetItem* parent, int id, const QString& 
     scrollToItem(node);
 }
 
+TVintraDBTreeView* TVintraDBTreeView::MakePickTree(QWidget* parent, const QString& objectName,
+                                                   const QString& table, const QString& fieldKey,
+                                                   const QString& fieldName) {
+    auto* tree = new TVintraDBTreeView(parent);
+    tree->setObjectName(objectName);
+    tree->SetTable(table);
+    tree->SetFieldKey(fieldKey);
+    tree->SetFieldName(fieldName);
+    tree->SetShowRootNode(true);
+    tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tree->setAcceptDrops(false);
+    tree->setProperty("vintraSkip", true);
+    return tree;
+}
+
 QTreeWidgetItem* TVintraDBTreeView::AddSibling(QTreeWidgetItem* node, int id, const QString& name) {
     QTreeWidgetItem* parent = (!node || node == m_root) ? m_root : node->parent();
     AddNode(parent, id, name);

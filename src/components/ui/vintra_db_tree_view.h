@@ -66,6 +66,10 @@ public:
     QTreeWidgetItem* RootNode() const { return m_root; }
     QTreeWidgetItem* NodeOf(int id) const;
     static int KeyOf(const QTreeWidgetItem* node);
+    /// A tree to pick a group from: root shown, nothing renamed or dropped, and its hidden header
+    /// left out of translation, since the nodes are data.
+    static TVintraDBTreeView* MakePickTree(QWidget* parent, const QString& objectName, const QString& table,
+                                           const QString& fieldKey, const QString& fieldName);
 
     /// Asked while grid rows are dragged over the tree: the drag's source and the node under the
     /// pointer (null when there is none). No answer refuses every drop.

@@ -28,18 +28,10 @@ TFormAddOrEditRecipe::TFormAddOrEditRecipe(QWidget* parent) : QDialog(parent) {
 
     m_top = new QSplitter(Qt::Horizontal, this);
     m_top->setChildrenCollapsible(false);
-    m_tree = new TVintraDBTreeView(m_top);
-    m_tree->setObjectName(QStringLiteral("TreeViewRecipeGroups"));
+    m_tree = TVintraDBTreeView::MakePickTree(m_top, QStringLiteral("TreeViewRecipeGroups"),
+                                             QStringLiteral("RGroups"), QStringLiteral("recGroupId"),
+                                             QStringLiteral("recGroupName"));
     m_tree->SetDatabase(database);
-    m_tree->SetTable(QStringLiteral("RGroups"));
-    m_tree->SetFieldKey(QStringLiteral("recGroupId"));
-    m_tree->SetFieldName(QStringLiteral("recGroupName"));
-    m_tree->SetFieldParent(QStringLiteral("parentId"));
-    m_tree->SetFieldExpanded(QStringLiteral("isNodeExpanded"));
-    m_tree->SetShowRootNode(true);
-    m_tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_tree->setAcceptDrops(false);
-    m_tree->setProperty("vintraSkip", true); // groups are data; the header is hidden
     m_listModel = new qm::DatasetModel(&QueryRecipes, this);
     m_listModel->addColumn(QStringLiteral("recName"), tr("Recipe"));
     m_list = new TVintraDBGrid(m_top);

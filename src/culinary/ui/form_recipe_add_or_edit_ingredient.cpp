@@ -42,19 +42,10 @@ TFormRecipeAddOrEditIngredient::TFormRecipeAddOrEditIngredient(QWidget* parent) 
     m_top = new QSplitter(Qt::Horizontal, this);
     m_top->setObjectName(QStringLiteral("PanelTop"));
     m_top->setChildrenCollapsible(false);
-    m_tree = new TVintraDBTreeView(m_top);
-    m_tree->setObjectName(QStringLiteral("TreeViewIngredientTypes"));
+    m_tree = TVintraDBTreeView::MakePickTree(m_top, QStringLiteral("TreeViewIngredientTypes"),
+                                             QStringLiteral("ITypes"), QStringLiteral("ingredTypeId"),
+                                             QStringLiteral("ingredTypeName"));
     m_tree->SetDatabase(database);
-    m_tree->SetTable(QStringLiteral("ITypes"));
-    m_tree->SetFieldKey(QStringLiteral("ingredTypeId"));
-    m_tree->SetFieldName(QStringLiteral("ingredTypeName"));
-    m_tree->SetFieldParent(QStringLiteral("parentId"));
-    m_tree->SetFieldExpanded(QStringLiteral("isNodeExpanded"));
-    m_tree->SetShowRootNode(true);
-    // A pick list: nothing is renamed or dropped here.
-    m_tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_tree->setAcceptDrops(false);
-    m_tree->setProperty("vintraSkip", true); // types are data; the header is hidden
 
     auto* right = new QWidget(m_top);
     auto* rightLayout = new QVBoxLayout(right);

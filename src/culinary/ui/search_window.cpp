@@ -189,16 +189,7 @@ void TSearchWindow::ResetNutrientLimits() {
 
 TVintraDBTreeView* TSearchWindow::MakeTree(const char* name, const QString& table, const QString& key,
                                            const QString& field) {
-    auto* tree = new TVintraDBTreeView;
-    tree->setObjectName(QLatin1String(name));
-    tree->SetTable(table);
-    tree->SetFieldKey(key);
-    tree->SetFieldName(field);
-    tree->SetShowRootNode(true);
-    tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    tree->setAcceptDrops(false);
-    tree->setProperty("vintraSkip", true); // groups are data; the header is hidden
-    return tree;
+    return TVintraDBTreeView::MakePickTree(nullptr, QLatin1String(name), table, key, field);
 }
 
 void TSearchWindow::LoadTree(TVintraDBTreeView* tree, const QString& rootName) {
