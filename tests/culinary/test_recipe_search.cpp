@@ -112,11 +112,6 @@ private slots:
         store.dataModule().KADaoDatabase.close();
         store.dataModule().DataModuleCreate();
         QCOMPARE(ids(store, Shortcuts::Open(0).definition), QList<int>{2});
-        Shortcuts::Rename(1, QStringLiteral("Salty things"));
-        Shortcuts::MoveUp(1);
-        QCOMPARE(Shortcuts::Load().first().name, QStringLiteral("Salty things"));
-        Shortcuts::MoveDown(0);
-        QCOMPARE(Shortcuts::Load().at(1).name, QStringLiteral("Salty things"));
         Shortcuts::Delete(1); // the middle of three: the third becomes 2
         QCOMPARE(ids(store, "SELECT shortcutId FROM Shortcuts"), (QList<int>{1, 2}));
         QCOMPARE(ids(store, Shortcuts::Open(1).definition), QList<int>{3});

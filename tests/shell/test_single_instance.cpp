@@ -31,14 +31,6 @@ private slots:
         QCOMPARE(got.at(9), QStringLiteral("p9"));
     }
 
-    void otherExecutablesDoNotMeet() {
-        TVintraSingleInstance a(QStringLiteral("quillmeal-a-%1").arg(QCoreApplication::applicationPid()));
-        TVintraSingleInstance b(QStringLiteral("quillmeal-b-%1").arg(QCoreApplication::applicationPid()));
-        QVERIFY(a.Claim());
-        QVERIFY(b.Claim());
-        QVERIFY(a.ServerName() != b.ServerName());
-    }
-
     void firstGoneLeavesTheNameFree() {
         const QString name = QStringLiteral("quillmeal-gone-%1").arg(QCoreApplication::applicationPid());
         {

@@ -1,7 +1,6 @@
-// The picture commands on real files: the nine-picture limit, clearing, moving.
+// The picture commands on real files: clearing, setting, moving.
 #include "test_store.h"
 
-#include "components/messages.h"
 #include "store/picture_commands.h"
 
 #include <QDir>
@@ -25,22 +24,6 @@ class TestPictureCommands : public QObject {
     }
 
 private slots:
-    void tenthPictureRefused() {
-        TestStore store;
-        TScriptedPresenter presenter;
-        for (int n = 1; n <= 9; ++n) {
-            const int number = PictureCommands::NumberForNewPicture(pkIngredient, 5);
-            QCOMPARE(number, n);
-            QVERIFY(
-                PictureCommands::CopyPicture(pkIngredient, 5, number, source(store, QByteArray::number(n))));
-        }
-        QVERIFY(presenter.shown.isEmpty());
-        QCOMPARE(PictureCommands::NumberForNewPicture(pkIngredient, 5), 0);
-        QCOMPARE(presenter.texts(TMessagePresenter::Error),
-                 QStringList{GetText(QStringLiteral("ErrorTooMuchPictures"), QString())});
-        QCOMPARE(PictureCommands::PictureFiles(pkIngredient, 5).size(), 9);
-    }
-
     void clearSetAndMove() {
         TestStore store;
         const QString folder = store.dataModule().PictureFolder(pkRecipe);

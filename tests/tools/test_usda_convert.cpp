@@ -95,7 +95,6 @@ private slots:
     void baseUnit_data();
     void baseUnit();
     void longNamesAreShortened();
-    void readsTheUsdaLayout();
     void nutrientUnitsAreChecked();
     void buildsSeedTables();
     void pricesFillTheBasePrice();
@@ -172,21 +171,12 @@ void TestUsdaConvert::matchMeasure_data() {
     QTest::newRow("cup") << "cup"
                          << ""
                          << "9/0";
-    QTest::newRow("parenthesis") << "Cup (1 NLEA serving)"
-                                 << ""
-                                 << "9/1";
-    QTest::newRow("comma") << "cup, chopped"
-                           << ""
-                           << "9/2";
     QTest::newRow("other words") << "cup slices"
                                  << ""
                                  << "9/3";
     QTest::newRow("word boundary") << "cupcake"
                                    << ""
                                    << "";
-    QTest::newRow("serving of a cup") << "serving 1/2 cup"
-                                      << ""
-                                      << "9/4x0.5";
     QTest::newRow("can with volume") << "can or bottle (12 fl oz)"
                                      << ""
                                      << "26/3 10/4x12";
@@ -196,9 +186,6 @@ void TestUsdaConvert::matchMeasure_data() {
     QTest::newRow("extra large is no size unit") << "extra large"
                                                  << ""
                                                  << "";
-    QTest::newRow("head of another size") << "head, large"
-                                          << ""
-                                          << "42/2s";
     QTest::newRow("food noun") << "apricot"
                                << "Apricots, raw"
                                << "19/0";
@@ -266,10 +253,6 @@ void TestUsdaConvert::pieceFromCountsAndSizes() {
                             weights(QStringLiteral("1|large|50;1|medium|44;1|small|38")));
     QCOMPARE(u.grams.value(Piece), 44.0);
     QCOMPARE(u.grams.value(Small), 38.0);
-    u = foodUnits(QStringLiteral("Grapefruit, raw"),
-                  weights(QStringLiteral(".5|medium (approx 4\" dia)|128")));
-    QCOMPARE(u.grams.value(Medium), 256.0);
-    QCOMPARE(u.grams.value(Piece), 256.0);
     u = foodUnits(QStringLiteral("Mushrooms, morel, raw"), weights(QStringLiteral("1|piece|13;1|medium|30")));
     QCOMPARE(u.grams.value(Piece), 13.0);
     u = foodUnits(
@@ -293,10 +276,7 @@ void TestUsdaConvert::baseUnit_data() {
     QTest::addColumn<int>("group");
     QTest::addColumn<QString>("measures");
     QTest::addColumn<int>("unit");
-    QTest::newRow("milk") << "Milk, whole, 3.25% milkfat" << 100 << "1|cup|244" << int(Liter);
-    QTest::newRow("butter") << "Butter, salted" << 100 << "1|tbsp|14.2;1|cup|227" << int(Kilogram);
     QTest::newRow("dry milk") << "Milk, dry, whole" << 100 << "1|cup|128" << int(Kilogram);
-    QTest::newRow("egg") << "Egg, whole, raw, fresh" << 100 << "1|large|50;1|medium|44" << int(Piece);
     QTest::newRow("banana") << "Bananas, raw" << 900 << "1|cup, sliced|150;1|medium (7\" long)|118"
                             << int(Piece);
     QTest::newRow("strawberries are light")
@@ -306,12 +286,8 @@ void TestUsdaConvert::baseUnit_data() {
     QTest::newRow("fruit in juice") << "Pineapple, canned, juice pack, solids and liquids" << 900
                                     << "1|cup|249" << int(Kilogram);
     QTest::newRow("olive oil") << "Oil, olive, salad or cooking" << 400 << "1|tbsp|13.5" << int(Liter);
-    QTest::newRow("drink without volume")
-        << "Beverages, Energy drink, RED BULL" << 1400 << "1|can|260" << int(Kilogram);
     QTest::newRow("dry wine") << "Alcoholic beverage, wine, dessert, dry" << 1400 << "1|fl oz|29.5"
                               << int(Liter);
-    QTest::newRow("condensed soup") << "CAMPBELL'S Red and White, Chicken Alphabet Soup, condensed" << 600
-                                    << "1|serving 1/2 cup|126" << int(Liter);
     QTest::newRow("ice cream in fl oz")
         << "Light Ice Cream, soft serve, blended with cookie pieces" << 2100 << "1|fl oz|30" << int(Kilogram);
     QTest::newRow("onions are weighed")
@@ -349,30 +325,6 @@ void TestUsdaConvert::longNamesAreShortened() {
     QVERIFY(cut.startsWith(QStringLiteral("word, word")));
 }
 
-void TestUsdaConvert::readsTheUsdaLayout() {
-    const UsdaData data = readUsdaFolder(kFixture);
-    QCOMPARE(data.groups.size(), 6);
-    QCOMPARE(data.groups.value(1400), QStringLiteral("Beverages"));
-    QCOMPARE(data.foods.size(), 13);
-    QCOMPARE(data.foods.first().ndbNo, 1001);
-
-    const QList<Weight> butter = data.weights.value(1001);
-    QCOMPARE(butter.size(), 5);
-    QCOMPARE(butter.at(4).measure, QStringLiteral("entr\u00e9e portion"));
-    QCOMPARE(butter.at(4).amount, 2.0);
-    const QList<Weight> grapefruit = data.weights.value(9111);
-    QCOMPARE(grapefruit.at(2).amount, 0.5);
-    QCOMPARE(grapefruit.at(2).grams, 128.0);
-
-    // Nutrients in column order, from the xz file; the saturated fat row is not wanted.
-    const NutrientTexts b = data.nutrients.value(1001);
-    QCOMPARE(b[1], QStringLiteral("81.11"));
-    QCOMPARE(b[16], QStringLiteral("24"));
-    const NutrientTexts milk = data.nutrients.value(1077);
-    QCOMPARE(milk[5], QStringLiteral("3.15"));
-    QVERIFY(milk[2].isNull());
-}
-
 void TestUsdaConvert::nutrientUnitsAreChecked() {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
@@ -391,18 +343,15 @@ void TestUsdaConvert::nutrientUnitsAreChecked() {
 
 void TestUsdaConvert::buildsSeedTables() {
     const SeedResult result = buildSeedTables(readUsdaFolder(kFixture));
-    const SeedTable* units = result.table(QStringLiteral("Units"));
     const SeedTable* types = result.table(QStringLiteral("ITypes"));
     const SeedTable* ingreds = result.table(QStringLiteral("Ingreds"));
     const SeedTable* convs = result.table(QStringLiteral("Convs"));
-    QVERIFY(units && types && ingreds && convs);
+    QVERIFY(types && ingreds && convs);
 
     QCOMPARE(convs->columns.join(u','), QStringLiteral("unitId,ingredId,grams"));
     QCOMPARE(ingreds->columns.size(), 23);
 
-    QCOMPARE(types->rows.size(), 6);
     QCOMPARE(types->rows.first(), (QStringList{"100", "Dairy and Egg Products", "0", "0"}));
-    QCOMPARE(ingreds->rows.size(), 13);
 
     const QStringList* butter = findRow(*ingreds, QStringLiteral("1001"));
     QVERIFY(butter);
@@ -417,9 +366,6 @@ void TestUsdaConvert::buildsSeedTables() {
              QStringLiteral(
                  "Also called: Gold3\\nScientific name: Actinidia chinensis \u2018Zesy002\u2019 (Gold3)"));
 
-    const QStringList* lamb = findRow(*ingreds, QStringLiteral("17441"));
-    QVERIFY(lamb);
-    QVERIFY(column(*ingreds, *lamb, QStringLiteral("ingredName")).size() <= 128);
     QCOMPARE(result.shortenedNames, 1);
     QVERIFY(!findRow(*convs, QStringLiteral("2"), QStringLiteral("17441"))); // weights convert through Units
 
@@ -452,10 +398,7 @@ void TestUsdaConvert::pricesFillTheBasePrice() {
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("ingredId\tingredPrice\n1001\t8.5\n1077\t.99\n99999\t1\n\n");
     file.close();
-    const QHash<int, QString> prices = readPrices(path);
-    QCOMPARE(prices.value(1077), QStringLiteral("0.99"));
-
-    const SeedResult result = buildSeedTables(readUsdaFolder(kFixture), prices);
+    const SeedResult result = buildSeedTables(readUsdaFolder(kFixture), readPrices(path));
     const SeedTable* ingreds = result.table(QStringLiteral("Ingreds"));
     QCOMPARE(column(*ingreds, *findRow(*ingreds, QStringLiteral("1001")), QStringLiteral("ingredPrice")),
              QStringLiteral("8.5"));
@@ -495,24 +438,18 @@ void TestUsdaConvert::commandLine() {
         QCOMPARE(tsv.columns, table.columns);
         QCOMPARE(tsv.rows, table.rows);
     }
-    const TsvFile ingreds = readTsv(dir.filePath(QStringLiteral("Ingreds.tsv")));
-    bool quoteFound = false;
-    for (const QStringList& row : ingreds.rows)
-        quoteFound = quoteFound || row.at(3).contains(QChar(0x2019));
-    QVERIFY(quoteFound);
 }
 
+// Counts, widths, keys and every base unit's conversion are checked on the built database; here
+// what only the seed files show.
 void TestUsdaConvert::deliveredReferenceData() {
     const QString seed = QStringLiteral(QM_SOURCE_DATA "/seed/");
     const TsvFile units = readTsv(seed + QStringLiteral("Units.tsv"));
-    const TsvFile types = readTsv(seed + QStringLiteral("ITypes.tsv"));
     const TsvFile ingreds = readTsv(seed + QStringLiteral("Ingreds.tsv"));
     const TsvFile convs = readTsv(seed + QStringLiteral("Convs.tsv"));
-    QVERIFY(units.ok && types.ok && ingreds.ok && convs.ok);
-    QCOMPARE(types.rows.size(), 25);
-    QCOMPARE(ingreds.rows.size(), 8789);
+    QVERIFY(units.ok && ingreds.ok && convs.ok);
 
-    // The units other code names by id keep them; every unit fits its columns.
+    // The units other code names by id keep them; the small codes are distinct.
     const QHash<int, QString> fixed = {{1, "gram"},   {2, "kilogram"}, {9, "cup"},
                                        {13, "liter"}, {19, "piece"},   {27, "package"}};
     QHash<QString, int> unitType;
@@ -520,43 +457,27 @@ void TestUsdaConvert::deliveredReferenceData() {
     for (const QStringList& u : units.rows) {
         if (fixed.contains(u.at(0).toInt()))
             QCOMPARE(u.at(1), fixed.value(u.at(0).toInt()));
-        QVERIFY(u.at(2).size() <= 12);
-        QVERIFY(!u.at(3).isEmpty() && u.at(3).size() <= 2);
-        QVERIFY2(!smallCodes.contains(u.at(3)), qPrintable(u.at(3)));
+        QVERIFY2(!u.at(3).isEmpty() && !smallCodes.contains(u.at(3)), qPrintable(u.at(3)));
         smallCodes.insert(u.at(3));
         unitType.insert(u.at(0), u.at(5).toInt());
     }
     QCOMPARE(units.rows.at(4).at(6), QStringLiteral("28.349523125"));
 
-    QSet<QPair<QString, QString>> convKeys;
-    QHash<QPair<QString, QString>, QString> grams;
+    bool butterTablespoon = false;
     for (const QStringList& c : convs.rows) {
-        const QPair<QString, QString> key{c.at(0), c.at(1)};
-        QVERIFY(!convKeys.contains(key));
-        convKeys.insert(key);
-        grams.insert(key, c.at(2));
         QVERIFY(unitType.value(c.at(0)) == 2);
+        butterTablespoon = butterTablespoon || (c.mid(0, 3) == QStringList{"8", "1001", "14.2"});
     }
-    const int cal = ingreds.columns.indexOf(QStringLiteral("nutCal"));
+    QVERIFY(butterTablespoon);
+    // Liquids by the liter and eggs by the piece, unless priced: then by the kilogram.
     const int unit = ingreds.columns.indexOf(QStringLiteral("unitId"));
-    for (const QStringList& row : ingreds.rows) {
-        QVERIFY(row.at(2).size() <= 128);
-        const QString u = row.at(unit);
-        QVERIFY2(unitType.value(u) == 1 || convKeys.contains({u, row.at(0)}), qPrintable(row.at(0)));
-        if (row.at(0) == QStringLiteral("1001")) {
-            QCOMPARE(row.at(2), QStringLiteral("Butter, salted"));
-            QCOMPARE(row.at(cal), QStringLiteral("717"));
-        }
-        // Liquids by the liter and eggs by the piece, unless priced: then by the kilogram.
-        if (row.at(0) == QStringLiteral("1085"))
-            QCOMPARE(u, QStringLiteral("13"));
-        if (row.at(0) == QStringLiteral("1129"))
-            QCOMPARE(u, QStringLiteral("19"));
-        if (row.at(0) == QStringLiteral("1077") || row.at(0) == QStringLiteral("1123"))
-            QCOMPARE(u, QStringLiteral("2"));
-    }
-    QCOMPARE(grams.value({QStringLiteral("9"), QStringLiteral("1077")}), QStringLiteral("244"));
-    QCOMPARE(grams.value({QStringLiteral("8"), QStringLiteral("1001")}), QStringLiteral("14.2"));
+    QHash<QString, QString> baseUnit;
+    for (const QStringList& row : ingreds.rows)
+        baseUnit.insert(row.at(0), row.at(unit));
+    QCOMPARE(baseUnit.value("1085"), QStringLiteral("13"));
+    QCOMPARE(baseUnit.value("1129"), QStringLiteral("19"));
+    QCOMPARE(baseUnit.value("1077"), QStringLiteral("2"));
+    QCOMPARE(baseUnit.value("1123"), QStringLiteral("2"));
 }
 
 QTEST_GUILESS_MAIN(TestUsdaConvert)

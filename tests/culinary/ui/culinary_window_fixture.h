@@ -4,10 +4,14 @@
 
 #include "test_store.h"
 
+#include "components/dataset.h"
 #include "components/mdi_frame.h"
 #include "components/messages.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QImage>
 #include <QMap>
 #include <QXmlStreamWriter>
 
@@ -37,6 +41,26 @@ template <typename T> T* child(QObject& parent, const char* name) {
     if (!found)
         qFatal("no child %s", name);
     return found;
+}
+
+/// The values of one field over a dataset's rows, as text.
+inline QStringList names(qm::Dataset& dataset, const QString& field) {
+    QStringList result;
+    for (int row = 0; row < dataset.RecordCount(); ++row)
+        result << dataset.value(row, dataset.fieldIndex(field)).toString();
+    return result;
+}
+
+/// A small real JPEG of one colour, its folder made; returns its bytes.
+inline QByteArray WritePicture(const QString& path, const QColor& colour) {
+    QImage image(24, 16, QImage::Format_RGB32);
+    image.fill(colour);
+    QDir().mkpath(QFileInfo(path).path());
+    if (!image.save(path, "JPG"))
+        qFatal("cannot write %s", qPrintable(path));
+    QFile file(path);
+    file.open(QIODevice::ReadOnly);
+    return file.readAll();
 }
 
 /// Installs a dictionary with the given entries for the store's holder.

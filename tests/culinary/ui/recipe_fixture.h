@@ -1,7 +1,7 @@
 #pragma once
 
-// What the recipe window tests share: a database with groups, units, ingredients and recipes, a
-// frame that records what the window asks of it, and a modal runner that plays the user's part
+// What the recipe window tests share: a database with groups, units, ingredients and recipes, and
+// a modal runner that plays the user's part
 // in the dialogs the window opens.
 #include "culinary_window_fixture.h"
 
@@ -9,9 +9,6 @@
 #include "components/ui/modal_runner.h"
 
 #include <QDialog>
-#include <QDir>
-#include <QFile>
-#include <QImage>
 #include <QPushButton>
 #include <QStringList>
 #include <QTest>
@@ -49,17 +46,6 @@ public:
     }
     int count(const QString& sql) { return db().scalar(sql).toInt(); }
     double number(const QString& sql) { return db().scalar(sql).toDouble(); }
-
-    /// A small JPEG as picture <id>.<n>.jpg of the recipe.
-    QString addPicture(int id, int n) {
-        const QString folder = root() + QStringLiteral("Database/pic/rec/");
-        QDir().mkpath(folder);
-        QImage image(8, 8, QImage::Format_RGB32);
-        image.fill(Qt::darkGreen);
-        const QString file = folder + QStringLiteral("%1.%2.jpg").arg(id).arg(n);
-        image.save(file, "JPG");
-        return file;
-    }
 };
 
 /// Plays the dialogs: each one the code runs takes the next script, which fills its controls and
@@ -70,7 +56,6 @@ public:
     DialogScript() {
         ModalRunner = [this](QDialog& dialog) {
             dialog.show();
-            ++run;
             if (steps.isEmpty()) {
                 dialog.reject();
             } else {
@@ -84,7 +69,6 @@ public:
     }
     ~DialogScript() { ModalRunner = nullptr; }
     QList<Step> steps;
-    int run = 0;
 };
 
 inline void clickOk(QDialog& dialog) {

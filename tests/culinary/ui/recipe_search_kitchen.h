@@ -8,7 +8,6 @@
 #include "culinary/ui/form_search_recipes.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QListWidget>
 
 namespace search_fixture {
@@ -27,12 +26,12 @@ struct Kitchen {
         click(&form, "BitBtnFind");
         return sortedIds(form.QuerySearch(), "recId");
     }
-    TVintraDBTreeView* groups() { return child<TVintraDBTreeView>(&form, "TreeViewRecipeGroups"); }
-    TVintraDBTreeView* types() { return child<TVintraDBTreeView>(&form, "TreeViewIngredientTypes"); }
-    TVintraDBGrid* categories() { return child<TVintraDBGrid>(&form, "DBGridAvailableCategories"); }
-    TVintraDBGrid* ingredients() { return child<TVintraDBGrid>(&form, "DBGridIngredientsAvailable"); }
-    TVintraDBGrid* results() { return child<TVintraDBGrid>(&form, "DBGridResults"); }
-    QListWidget* box(const char* name) { return child<QListWidget>(&form, name); }
+    TVintraDBTreeView* groups() { return child<TVintraDBTreeView>(form, "TreeViewRecipeGroups"); }
+    TVintraDBTreeView* types() { return child<TVintraDBTreeView>(form, "TreeViewIngredientTypes"); }
+    TVintraDBGrid* categories() { return child<TVintraDBGrid>(form, "DBGridAvailableCategories"); }
+    TVintraDBGrid* ingredients() { return child<TVintraDBGrid>(form, "DBGridIngredientsAvailable"); }
+    TVintraDBGrid* results() { return child<TVintraDBGrid>(form, "DBGridResults"); }
+    QListWidget* box(const char* name) { return child<QListWidget>(form, name); }
     QStringList names(const char* box) {
         QStringList names;
         for (int i = 0; i < this->box(box)->count(); ++i)
@@ -56,37 +55,16 @@ struct Kitchen {
         click(&form, button);
     }
     void type(const char* edit, const QString& text) {
-        auto* line = child<QLineEdit>(&form, edit);
+        auto* line = child<QLineEdit>(form, edit);
         bringTab(&form, line);
         line->clear();
         QTest::keyClicks(line, text);
     }
     void check(const char* name, bool on) {
-        auto* box = child<QCheckBox>(&form, name);
+        auto* box = child<QCheckBox>(form, name);
         bringTab(&form, box);
         if (box->isChecked() != on)
             QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(4, box->height() / 2));
-    }
-    /// Sets every control from the criteria, as a user would.
-    void apply(const TRecipeSearchCriteria& c) {
-        type("EditPattern", c.pattern);
-        check("CheckBoxAllGroups", c.allGroups);
-        groups()->Locate(c.groupKey);
-        for (int id : c.belongsTo)
-            addCategory(id, "SpeedButtonAddToBelongsTo");
-        type("EditPrepTime", c.prepTime);
-        type("EditNoServings", c.servings);
-        for (auto it = c.nutrients.constBegin(); it != c.nutrients.constEnd(); ++it) {
-            const QByteArray suffix = it.key().mid(3).toLatin1();
-            auto* op = child<QComboBox>(&form, ("ComboBoxOp" + suffix).constData());
-            op->setCurrentIndex(op->findText(it->op));
-            type(("Edit" + suffix).constData(), it->value);
-        }
-        check("CheckBoxCanBeMadeOf", c.canBeMadeOf);
-        for (int id : c.contains)
-            addIngredient(id, "SpeedButtonAddToContains");
-        for (int id : c.notContains)
-            addIngredient(id, "SpeedButtonAddToNotContains");
     }
 };
 

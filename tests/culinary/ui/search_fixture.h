@@ -68,20 +68,13 @@ inline QList<int> sortedIds(qm::Database& db, const QString& statement) {
     return ids;
 }
 
-template <typename T> T* child(QWidget* window, const char* name) {
-    T* found = window->findChild<T*>(QLatin1String(name));
-    if (!found)
-        qFatal("no control %s", name);
-    return found;
-}
-
 inline void click(QWidget* window, const char* name) {
-    QTest::mouseClick(child<QAbstractButton>(window, name), Qt::LeftButton);
+    QTest::mouseClick(child<QAbstractButton>(*window, name), Qt::LeftButton);
 }
 
 /// Puts the tab that holds `widget` in front.
 inline void bringTab(QWidget* window, QWidget* widget) {
-    auto* pages = child<QTabWidget>(window, "PageControl");
+    auto* pages = child<QTabWidget>(*window, "PageControl");
     for (int i = 0; i < pages->count(); ++i)
         if (pages->widget(i)->isAncestorOf(widget))
             pages->setCurrentIndex(i);

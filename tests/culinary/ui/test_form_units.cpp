@@ -1,5 +1,5 @@
 // The units window on a fresh database, shown offscreen: the delete order, the post checks, the
-// type buttons and their scroll guard, the type column, the quick search and the column widths.
+// type buttons and their scroll guard, the type column and the quick search.
 #include "culinary_window_fixture.h"
 #include "search_fixture.h"
 
@@ -37,8 +37,7 @@ public:
                                 {"QuestionDeleteUnit", "Delete unit?"},
                                 {"InfoUnitReferencedByIngredient", "Unit in use"},
                                 {"UnitTypeTextWeight", "Weight"},
-                                {"UnitTypeTextVolume", "Volume"},
-                                {"InfoNoMatchingUnit", "No unit"}});
+                                {"UnitTypeTextVolume", "Volume"}});
     }
     QVariant value(const QString& sql) { return db().scalar(sql); }
     int count(const QString& sql) { return value(sql).toInt(); }
@@ -73,8 +72,9 @@ private slots:
     }
     void cleanup() { MdiFrame = nullptr; }
 
-    // Printable only with a report wired; then the marked rows go to it, locked ones flagged.
-    void printHandsOnTheSelection() {
+    // Printable only with a report wired; then the marked rows go to it, locked ones flagged. The
+    // quick search looks in the name and both abbreviations.
+    void printAndQuickSearch() {
         UnitStore store;
         QCOMPARE(open()->Tag, 0);
         QString printed;
@@ -91,39 +91,41 @@ private slots:
         TFormUnits::PrintUnits = nullptr;
         QCOMPARE(printed, QStringLiteral("2, 100003")); // in the grid's order, by name
         QVERIFY(locked);
+
+        TScriptedPresenter presenter;
+        const auto current = [&] { return form->RecordTable().FieldByName("unitId").AsInteger(); };
+        m_frame.pattern = "pn";
+        form->Find(0);
+        QCOMPARE(current(), 100001);
+        m_frame.pattern = "blk";
+        form->Find(0);
+        QCOMPARE(current(), 100004);
     }
 
     void deleteRules_data() {
         QTest::addColumn<int>("unitId");
-        QTest::addColumn<bool>("confirm");
         QTest::addColumn<int>("irDelete");
-        QTest::addColumn<int>("answer");
         QTest::addColumn<QStringList>("messages");
         QTest::addColumn<bool>("deleted");
         // Locked units are refused before any question, whatever the rule.
-        QTest::newRow("unit 1") << 1 << true << 2 << mrYes << QStringList{"I:Unit locked"} << false;
-        QTest::newRow("declined") << 100003 << true << 1 << mrNo << QStringList{"Q:Delete unit?"} << false;
-        QTest::newRow("free unit") << 100003 << true << 1 << mrYes << QStringList{"Q:Delete unit?"} << true;
+        QTest::newRow("unit 1") << 1 << 2 << QStringList{"I:Unit locked"} << false;
+        QTest::newRow("free unit") << 100003 << 1 << QStringList{"Q:Delete unit?"} << true;
         // A unit that only a conversion uses is referenced, and the message names ingredients.
         QTest::newRow("only in Convs")
-            << 100002 << true << 1 << mrYes << QStringList{"Q:Delete unit?", "I:Unit in use"} << false;
+            << 100002 << 1 << QStringList{"Q:Delete unit?", "I:Unit in use"} << false;
     }
     void deleteRules() {
         QFETCH(int, unitId);
-        QFETCH(bool, confirm);
         QFETCH(int, irDelete);
-        QFETCH(int, answer);
         QFETCH(QStringList, messages);
         QFETCH(bool, deleted);
         UnitStore store;
-        store.options().SetAsBoolean("ConfirmDeletionUnit", confirm);
         store.options().SetAsInteger("IRDeleteUnit", irDelete);
         auto form = open();
-        QCOMPARE(form->Grid()->model()->rowCount(), 7);
         QVERIFY(form->LocateRecord(unitId));
 
         TScriptedPresenter presenter;
-        presenter.answers = {answer};
+        presenter.answers = {mrYes};
         QTest::keyClick(form->Grid(), Qt::Key_Delete);
         QCOMPARE(Shown(presenter), messages);
         const QString exists = QStringLiteral("SELECT COUNT(*) FROM Units WHERE unitId = %1").arg(unitId);
@@ -154,52 +156,24 @@ private slots:
         QVERIFY(!column(*form, 0).contains("zest pinch"));
     }
 
-    void postChecks_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("abbrev");
-        QTest::addColumn<QString>("small");
-        QTest::addColumn<QString>("errors");
-        QTest::newRow("small abbreviation empty") << "teaspoon"
-                                                  << "tsp"
-                                                  << ""
-                                                  << "Missing: unit small abbreviation";
-        QTest::newRow("all empty") << ""
-                                   << ""
-                                   << ""
-                                   << "Missing: unit name\nMissing: unit abbreviation\nMissing: unit small "
-                                      "abbreviation";
-        // No check on the factor: a unit without one posts.
-        QTest::newRow("complete") << "teaspoon"
-                                  << "tsp"
-                                  << "ts"
-                                  << "";
-    }
+    // An empty small abbreviation blocks the post with its own line; there is no check on the
+    // factor, so a unit without one posts once it is filled in.
     void postChecks() {
-        QFETCH(QString, name);
-        QFETCH(QString, abbrev);
-        QFETCH(QString, small);
-        QFETCH(QString, errors);
         UnitStore store;
         auto form = open();
         QTest::keyClick(form->Grid(), Qt::Key_Insert);
         qm::Dataset& units = form->RecordTable();
-        const int id = units.FieldByName("unitId").AsInteger();
-        QCOMPARE(id, 100005);
-        QTest::keyClicks(child<QLineEdit>(*form, "DBEditUnitName"), name);
-        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbrev"), abbrev);
-        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbreviationSmall"), small);
-
+        QCOMPARE(units.FieldByName("unitId").AsInteger(), 100005);
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditUnitName"), "teaspoon");
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbrev"), "tsp");
         TScriptedPresenter presenter;
-        QCOMPARE(units.Post(), errors.isEmpty());
-        QCOMPARE(presenter.texts(TMessagePresenter::Error),
-                 errors.isEmpty() ? QStringList{} : QStringList{errors});
-        QCOMPARE(store.count(QStringLiteral("SELECT COUNT(*) FROM Units WHERE unitId = %1").arg(id)),
-                 errors.isEmpty() ? 1 : 0);
-        if (errors.isEmpty())
-            QVERIFY(
-                store.value(QStringLiteral("SELECT unitType FROM Units WHERE unitId = %1").arg(id)).isNull());
-        else
-            QCOMPARE(units.State(), qm::dsInsert);
+        QVERIFY(!units.Post());
+        QCOMPARE(presenter.texts(TMessagePresenter::Error), QStringList{"Missing: unit small abbreviation"});
+        QCOMPARE(units.State(), qm::dsInsert);
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbreviationSmall"), "ts");
+        QVERIFY(units.Post());
+        QCOMPARE(store.count("SELECT COUNT(*) FROM Units WHERE unitId = 100005"), 1);
+        QVERIFY(store.value("SELECT unitType FROM Units WHERE unitId = 100005").isNull());
     }
 
     // Scrolling checks the button of the unit's type and shows the factor for weight units only,
@@ -216,7 +190,6 @@ private slots:
                  (QStringList{"", "Volume", "Weight", "Volume", "Weight", "Volume", "Weight"}));
         for (int row = 6; row >= 0; --row) {
             form->Grid()->setCurrentIndex(form->Grid()->model()->index(row, 0));
-            QCOMPARE(units.currentRow(), row);
             const bool isWeight = units.FieldByName("unitType").AsInteger() == 1;
             QCOMPARE(units.State(), qm::dsBrowse);
             QCOMPARE(weight->isChecked(), isWeight);
@@ -235,60 +208,6 @@ private slots:
         QCOMPARE(store.count("SELECT unitType FROM Units WHERE unitId = 100003"), 1);
         QCOMPARE(store.value("SELECT unitConv FROM Units WHERE unitId = 100003").toDouble(), 85.5);
         QCOMPARE(column(*form, 2).at(3), QStringLiteral("Weight"));
-    }
-
-    // The pattern is looked for in the name and both abbreviations.
-    void quickSearch() {
-        UnitStore store;
-        auto form = open();
-        TScriptedPresenter presenter;
-        const auto current = [&] { return form->RecordTable().FieldByName("unitId").AsInteger(); };
-        m_frame.pattern = "pn";
-        form->Find(0);
-        QCOMPARE(current(), 100001);
-        m_frame.pattern = "blk";
-        form->Find(0);
-        QCOMPARE(current(), 100004);
-        m_frame.pattern = "xyz";
-        form->Find(0);
-        QCOMPARE(presenter.texts(), QStringList{"No unit"});
-    }
-
-    // Three columns keep their widths; the factor column's option is never read nor written.
-    void columnWidthsKeepTheFourthColumnsMismatch() {
-        UnitStore store;
-        store.options().SetAsInteger("UnitColUnitName", 140);
-        store.options().SetAsInteger("UnitColUnitType", 60);
-        store.options().SetAsInteger("UnitColUnitConv", 300);
-        auto form = open();
-        TVintraDBGrid* grid = form->Grid();
-        QCOMPARE(grid->columnWidth(0), 140);
-        QCOMPARE(grid->columnWidth(2), 60);
-        const int designWidth = grid->columnWidth(3);
-        QVERIFY(designWidth != 300);
-        grid->setColumnWidth(0, 170);
-        grid->setColumnWidth(3, designWidth + 25);
-        form->close();
-        QCOMPARE(store.options().GetAsInteger("UnitColUnitName"), 170);
-        QCOMPARE(store.options().GetAsInteger("UnitColUnitConv"), 300);
-    }
-
-    void printHandsTheSelectedIds() {
-        UnitStore store;
-        auto form = open();
-        QString printed;
-        bool locked = false;
-        TFormUnits::PrintUnits = [&](const QString& ids, bool containsLocked) {
-            printed = ids;
-            locked = containsLocked;
-        };
-        form->Grid()->selectRow(2);
-        form->Grid()->selectionModel()->select(form->Grid()->model()->index(6, 0),
-                                               QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        form->Print();
-        QCOMPARE(printed, QStringLiteral("1, 100001"));
-        QVERIFY(locked);
-        TFormUnits::PrintUnits = nullptr;
     }
 };
 

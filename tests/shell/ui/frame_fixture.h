@@ -22,17 +22,23 @@ public:
         paths.DataRootPath = dir.path() + QStringLiteral("/root/");
         paths.OptionsFile = dir.path() + QStringLiteral("/Quillmeal.conf");
     }
-    ~FrameFixture() { destroy(); }
+    ~FrameFixture() {
+        if (!form)
+            return;
+        form->closeWithoutConfirmation = true;
+        form->close();
+        form.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
     /// Stores an option before the frame reads them.
     void store(const QString& key, const QVariant& value) {
         QSettings(paths.OptionsFile, QSettings::IniFormat)
             .setValue(QStringLiteral("Quillmeal/") + key, value);
     }
-    /// The stored value of an option, or `absent`.
-    QVariant stored(const QString& key, const QVariant& absent = QVariant()) const {
-        return QSettings(paths.OptionsFile, QSettings::IniFormat)
-            .value(QStringLiteral("Quillmeal/") + key, absent);
+    /// The stored value of an option, invalid when absent.
+    QVariant stored(const QString& key) const {
+        return QSettings(paths.OptionsFile, QSettings::IniFormat).value(QStringLiteral("Quillmeal/") + key);
     }
 
     /// Creates and shows the frame, through FormCreate and FormShow.
@@ -51,23 +57,13 @@ public:
         return *form;
     }
 
-    void destroy() {
-        if (!form)
-            return;
-        form->closeWithoutConfirmation = true;
-        form->close();
-        form.reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
     /// An executable folder of our own with copies of the delivered language files.
-    static QString copyLanguages(const QTemporaryDir& target, const QStringList& except = {}) {
+    static QString copyLanguages(const QTemporaryDir& target) {
         const QString folder = target.path() + QStringLiteral("/exe/Languages/");
         QDir().mkpath(folder);
         const QDir source(QStringLiteral(QM_SOURCE_DATA "/Languages"));
         for (const QString& name : source.entryList({QStringLiteral("*.xml")}, QDir::Files))
-            if (!except.contains(name))
-                QFile::copy(source.filePath(name), folder + name);
+            QFile::copy(source.filePath(name), folder + name);
         return target.path() + QStringLiteral("/exe/");
     }
 

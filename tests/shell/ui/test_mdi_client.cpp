@@ -1,4 +1,4 @@
-// The painted client area: colour, centred picture, transparency, and pictures that can't be read.
+// The painted client area: centred picture, transparency, and pictures that can't be read.
 #include "shell/ui/mdi_client.h"
 
 #include <QFile>
@@ -30,19 +30,6 @@ class TestMdiClient : public QObject {
     QTemporaryDir m_dir;
 
 private slots:
-    void colourOptionsAreBlueGreenRed_data() {
-        QTest::addColumn<int>("value");
-        QTest::addColumn<QColor>("color");
-        QTest::newRow("white") << 16777215 << QColor(Qt::white);
-        QTest::newRow("mixed") << 0x563412 << QColor(0x12, 0x34, 0x56);
-    }
-    void colourOptionsAreBlueGreenRed() {
-        QFETCH(int, value);
-        QFETCH(QColor, color);
-        QCOMPARE(qm::ColorFromOption(value), color);
-        QCOMPARE(qm::ColorToOption(color), value);
-    }
-
     void aMissingOrBrokenPictureLeavesThePlainColour_data() {
         QTest::addColumn<QString>("file");
         QTest::newRow("none") << QString();
