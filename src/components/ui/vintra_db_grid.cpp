@@ -33,6 +33,8 @@ TVintraDBGrid::TVintraDBGrid(QWidget* parent) : QTableView(parent), m_proxy(new 
     setDragDropMode(QAbstractItemView::DragOnly);
     setDefaultDropAction(Qt::MoveAction);
     setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    // Row numbers mean nothing to a user; rows are told apart by their names.
+    verticalHeader()->hide();
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     setModel(m_proxy);
     connect(m_proxy, &QAbstractItemModel::modelReset, this, [this] { FollowDataset(CurrentRow()); });

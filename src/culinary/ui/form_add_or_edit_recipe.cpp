@@ -41,7 +41,6 @@ TFormAddOrEditRecipe::TFormAddOrEditRecipe(QWidget* parent) : QDialog(parent) {
     m_list->setDragEnabled(false);
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->horizontalHeader()->setStretchLastSection(true);
-    m_list->verticalHeader()->hide();
     m_top->setStretchFactor(0, 2);
     m_top->setStretchFactor(1, 3);
 

@@ -54,7 +54,6 @@ TFormCategories::TFormCategories(QWidget* parent) : QDialog(parent) {
     m_grid->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                             QAbstractItemView::AnyKeyPressed);
     m_grid->horizontalHeader()->setStretchLastSection(true);
-    m_grid->verticalHeader()->hide();
 
     m_navigator = new QToolBar(this);
     m_navigator->setObjectName(QStringLiteral("DBNavigatorCategories"));

@@ -56,7 +56,6 @@ TVintraDBGrid* listGrid(QWidget* parent, const char* name, qm::DatasetModel* mod
     grid->SetKeyDataset(nullptr);
     grid->setSelectionMode(QAbstractItemView::SingleSelection);
     grid->setDragEnabled(false);
-    grid->verticalHeader()->hide();
     grid->horizontalHeader()->setStretchLastSection(true);
     return grid;
 }

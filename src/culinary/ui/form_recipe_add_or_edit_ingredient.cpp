@@ -63,7 +63,6 @@ TFormRecipeAddOrEditIngredient::TFormRecipeAddOrEditIngredient(QWidget* parent) 
     m_list->setDragEnabled(false);
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->horizontalHeader()->setStretchLastSection(true);
-    m_list->verticalHeader()->hide();
     rightLayout->addWidget(m_search);
     rightLayout->addWidget(m_list, 1);
     m_top->setStretchFactor(0, 2);

@@ -29,7 +29,6 @@ TVintraDBGrid* listGrid(const char* name, qm::DatasetModel* model, QWidget* pare
     grid->horizontalHeader()->setStretchLastSection(true);
     grid->horizontalHeader()->hide();
     grid->setProperty("vintraSkip", true); // category names only, under no title
-    grid->verticalHeader()->hide();
     return grid;
 }
 

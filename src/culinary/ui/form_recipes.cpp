@@ -123,7 +123,6 @@ TFormRecipes::TFormRecipes(const QString& shortcutSql, const QString& shortcutNa
     RecordModel()->addColumn(QStringLiteral("RecServings"), tr("Servings"));
     RecordModel()->addColumn(QStringLiteral("recPrice"), tr("Price"));
     Grid()->horizontalHeader()->setStretchLastSection(true);
-    Grid()->verticalHeader()->hide();
     Grid()->setColumnWidth(0, 260);
 
     BuildDetails();
@@ -220,7 +219,6 @@ QWidget* TFormRecipes::BuildMainTab() {
     m_categories->setDragEnabled(false);
     m_categories->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_categories->horizontalHeader()->setStretchLastSection(true);
-    m_categories->verticalHeader()->hide();
     m_categories->setToolTip(tr("Double-click to choose the categories of the recipe"));
     m_categories->viewport()->installEventFilter(this);
 
@@ -295,7 +293,6 @@ QWidget* TFormRecipes::BuildContentsTab() {
     m_contents->setSelectionMode(QAbstractItemView::SingleSelection);
     m_contents->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_contents->setItemDelegate(new AmountDelegate(m_contents));
-    m_contents->verticalHeader()->hide();
     m_contents->horizontalHeader()->setStretchLastSection(true);
     m_contents->setColumnWidth(0, 240);
     m_contents->installEventFilter(this);

@@ -84,7 +84,6 @@ TSearchWindow::TSearchWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     m_gridResults->setDragEnabled(false);
     m_gridResults->SetKeyDataset(nullptr);
     m_gridResults->setAlternatingRowColors(true);
-    m_gridResults->verticalHeader()->hide();
     m_gridResults->horizontalHeader()->setStretchLastSection(true);
     m_resultsModel = new qm::DatasetModel(&m_querySearch);
     m_gridResults->SetDatasetModel(m_resultsModel);
@@ -209,7 +208,6 @@ TVintraDBGrid* TSearchWindow::MakeGrid(const char* name, qm::Dataset& dataset, c
     grid->setObjectName(QLatin1String(name));
     grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid->SetKeyDataset(nullptr);
-    grid->verticalHeader()->hide();
     grid->horizontalHeader()->setStretchLastSection(true);
     grid->SetDatasetModel(model);
     m_grids << grid;
