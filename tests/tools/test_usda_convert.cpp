@@ -82,7 +82,6 @@ private slots:
     void splitRecord_data();
     void splitRecord();
     void splitRecordRejectsBrokenQuotes();
-    void decodeWindows1252_data();
     void decodeWindows1252();
     void numbers();
     void matchMeasure_data();
@@ -117,8 +116,6 @@ void TestUsdaConvert::splitRecord_data() {
         << QList<bool>{false, false};
     QTest::newRow("leading space kept")
         << "~ Actinidia~^^" << QStringList{" Actinidia", "", ""} << QList<bool>{false, true, true};
-    QTest::newRow("bare amount") << "~01001~^2^.5^~cup~" << QStringList{"01001", "2", ".5", "cup"}
-                                 << QList<bool>{false, false, false, false};
 }
 
 void TestUsdaConvert::splitRecord() {
@@ -138,57 +135,33 @@ void TestUsdaConvert::splitRecordRejectsBrokenQuotes() {
     QVERIFY_THROWS_EXCEPTION(UsdaError, qm::usda::splitRecord(u"~01001~x^~0100~"));
 }
 
-void TestUsdaConvert::decodeWindows1252_data() {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("e acute") << QByteArray("Entr\xe9"
-                                           "e")
-                             << QStringLiteral("Entr\u00e9e");
-    QTest::newRow("curly quotes") << QByteArray("\x91Zesy002\x92") << QStringLiteral("\u2018Zesy002\u2019");
-    QTest::newRow("euro and dash") << QByteArray("\x80\x96") << QStringLiteral("\u20ac\u2013");
-}
-
+// Letters of Latin-1 and the signs Windows puts where Latin-1 has control codes.
 void TestUsdaConvert::decodeWindows1252() {
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, text);
-    QCOMPARE(qm::usda::decodeWindows1252(bytes), text);
+    QCOMPARE(qm::usda::decodeWindows1252(QByteArray("caf\xe9 \x80\x96")),
+             QStringLiteral("caf\u00e9 \u20ac\u2013"));
 }
 
 void TestUsdaConvert::numbers() {
     QCOMPARE(parseNumber(QStringLiteral(".5")).value_or(-1), 0.5);
-    QCOMPARE(parseNumber(QStringLiteral("244")).value_or(-1), 244.0);
     QVERIFY(!parseNumber(QString()).has_value());
     QVERIFY(!parseNumber(QStringLiteral("11/1976")).has_value());
     QCOMPARE(seedNumber(QStringLiteral(".5")), QStringLiteral("0.5"));
     QCOMPARE(seedNumber(QStringLiteral("-.25")), QStringLiteral("-0.25"));
-    QCOMPARE(seedNumber(QStringLiteral("0.0")), QStringLiteral("0.0"));
 }
 
 void TestUsdaConvert::matchMeasure_data() {
     QTest::addColumn<QString>("measure");
     QTest::addColumn<QString>("food");
     QTest::addColumn<QString>("expected"); // unit/tier, s = other size, xN = units per item
-    QTest::newRow("cup") << "cup"
-                         << ""
-                         << "9/0";
-    QTest::newRow("other words") << "cup slices"
-                                 << ""
-                                 << "9/3";
     QTest::newRow("word boundary") << "cupcake"
                                    << ""
                                    << "";
     QTest::newRow("can with volume") << "can or bottle (12 fl oz)"
                                      << ""
                                      << "26/3 10/4x12";
-    QTest::newRow("large size") << "large (3-1/4\" dia)"
-                                << ""
-                                << "24/1";
     QTest::newRow("extra large is no size unit") << "extra large"
                                                  << ""
                                                  << "";
-    QTest::newRow("food noun") << "apricot"
-                               << "Apricots, raw"
-                               << "19/0";
     QTest::newRow("noun of another food") << "apricot"
                                           << "Peaches, yellow, raw"
                                           << "";
@@ -211,9 +184,7 @@ void TestUsdaConvert::measuredUnitsWinAndDeriveTheRest() {
     // The rest follows the quart, the largest of the plain volume measures.
     const double perCup = 980.0 / 4;
     QVERIFY(near(u.grams.value(Tablespoon), perCup / 16));
-    QVERIFY(near(u.grams.value(Gallon), perCup * 16));
     QVERIFY(near(u.grams.value(Liter), perCup * 1000 / 236.5882365));
-    QVERIFY(near(u.grams.value(Pinch), perCup / 48 / 16));
     QVERIFY(!u.grams.contains(Piece));
 }
 
@@ -242,23 +213,14 @@ void TestUsdaConvert::plainMeasureChoice() {
                                  "1|slice|30;1|slice|40;1|head, large|755;1|head, medium (6\" dia)|539")));
     QCOMPARE(u.grams.value(20), 30.0);
     QCOMPARE(u.grams.value(Head), 539.0);
-    // A measured pinch is kept; otherwise it follows the teaspoon.
-    u = foodUnits(QString(), weights(QStringLiteral("1|tsp|6;1|pinch|0.5")));
-    QCOMPARE(u.grams.value(Pinch), 0.5);
-    QCOMPARE(u.grams.value(Dash), 0.75);
 }
 
 void TestUsdaConvert::pieceFromCountsAndSizes() {
     FoodUnits u = foodUnits(QStringLiteral("Egg, whole, raw, fresh"),
                             weights(QStringLiteral("1|large|50;1|medium|44;1|small|38")));
     QCOMPARE(u.grams.value(Piece), 44.0);
-    QCOMPARE(u.grams.value(Small), 38.0);
     u = foodUnits(QStringLiteral("Mushrooms, morel, raw"), weights(QStringLiteral("1|piece|13;1|medium|30")));
     QCOMPARE(u.grams.value(Piece), 13.0);
-    u = foodUnits(
-        QStringLiteral("Croissants, butter"),
-        weights(QStringLiteral("1|croissant, mini|28;1|croissant, medium|57;1|croissant, large|67")));
-    QCOMPARE(u.grams.value(Piece), 57.0);
     u = foodUnits(QStringLiteral("Grapes, red or green"), weights(QStringLiteral("10|grapes|49")));
     QCOMPARE(u.grams.value(Piece), 4.9);
 }
@@ -285,7 +247,6 @@ void TestUsdaConvert::baseUnit_data() {
                                   << int(Liter);
     QTest::newRow("fruit in juice") << "Pineapple, canned, juice pack, solids and liquids" << 900
                                     << "1|cup|249" << int(Kilogram);
-    QTest::newRow("olive oil") << "Oil, olive, salad or cooking" << 400 << "1|tbsp|13.5" << int(Liter);
     QTest::newRow("dry wine") << "Alcoholic beverage, wine, dessert, dry" << 1400 << "1|fl oz|29.5"
                               << int(Liter);
     QTest::newRow("ice cream in fl oz")
@@ -312,9 +273,6 @@ void TestUsdaConvert::longNamesAreShortened() {
     QCOMPARE(ingredientName(lamb),
              QStringLiteral("Lamb, Australian, imported, fresh, rack, roast, frenched, denuded, "
                             "bone-in, lean and fat, trimmed to 0\" fat, cooked, roasted"));
-    // The phrases are kept while the name fits.
-    const QString fits = QStringLiteral("Pork, separable lean and fat, raw");
-    QCOMPARE(ingredientName(fits), fits);
     // Without a known phrase the name is cut at a word and marked.
     QString words;
     while (words.size() < 140)
@@ -348,17 +306,12 @@ void TestUsdaConvert::buildsSeedTables() {
     const SeedTable* convs = result.table(QStringLiteral("Convs"));
     QVERIFY(types && ingreds && convs);
 
-    QCOMPARE(convs->columns.join(u','), QStringLiteral("unitId,ingredId,grams"));
-    QCOMPARE(ingreds->columns.size(), 23);
-
     QCOMPARE(types->rows.first(), (QStringList{"100", "Dairy and Egg Products", "0", "0"}));
 
     const QStringList* butter = findRow(*ingreds, QStringLiteral("1001"));
     QVERIFY(butter);
-    QCOMPARE(column(*ingreds, *butter, QStringLiteral("nutCal")), QStringLiteral("717"));
     QCOMPARE(column(*ingreds, *butter, QStringLiteral("nutDietaryFiber")), QString()); // NULL, not 0
     QCOMPARE(column(*ingreds, *butter, QStringLiteral("nutVitaminC")), QStringLiteral("0.0"));
-    QCOMPARE(column(*ingreds, *butter, QStringLiteral("unitId")), QStringLiteral("2"));
 
     const QStringList* kiwi = findRow(*ingreds, QStringLiteral("9520"));
     QVERIFY(kiwi);
@@ -367,27 +320,14 @@ void TestUsdaConvert::buildsSeedTables() {
                  "Also called: Gold3\\nScientific name: Actinidia chinensis \u2018Zesy002\u2019 (Gold3)"));
 
     QCOMPARE(result.shortenedNames, 1);
-    QVERIFY(!findRow(*convs, QStringLiteral("2"), QStringLiteral("17441"))); // weights convert through Units
 
-    QCOMPARE(result.baseUnits.value(Liter), 3);    // milk, condensed soup, club soda
-    QCOMPARE(result.baseUnits.value(Piece), 4);    // egg, grapefruit, kiwi, lettuce
-    QCOMPARE(result.baseUnits.value(Kilogram), 6); // butter, strawberries, garlic, energy drink, coffee, lamb
-    QCOMPARE(result.liquidsWithoutVolume, 1);      // the energy drink has only a can
+    QCOMPARE(result.liquidsWithoutVolume, 1); // the energy drink has only a can
 
-    // Measured, derived (written to 15 digits), half-measure and can conversions.
-    const QStringList* milkCup = findRow(*convs, QStringLiteral("9"), QStringLiteral("1077"));
-    QVERIFY(milkCup);
-    QCOMPARE(milkCup->at(2), QStringLiteral("244"));
+    // Derived (written to 15 digits), half-measure and can conversions.
     QCOMPARE(findRow(*convs, QStringLiteral("13"), QStringLiteral("1077"))->at(2),
              QStringLiteral("1031.32769240621"));
     QCOMPARE(findRow(*convs, QStringLiteral("19"), QStringLiteral("9111"))->at(2), QStringLiteral("256"));
     QCOMPARE(findRow(*convs, QStringLiteral("26"), QStringLiteral("14154"))->at(2), QStringLiteral("260"));
-
-    QSet<QPair<QString, QString>> keys;
-    for (const QStringList& row : convs->rows) {
-        QVERIFY2(!keys.contains({row.at(0), row.at(1)}), "(unitId, ingredId) must be unique");
-        keys.insert({row.at(0), row.at(1)});
-    }
 }
 
 void TestUsdaConvert::pricesFillTheBasePrice() {
@@ -400,8 +340,6 @@ void TestUsdaConvert::pricesFillTheBasePrice() {
     file.close();
     const SeedResult result = buildSeedTables(readUsdaFolder(kFixture), readPrices(path));
     const SeedTable* ingreds = result.table(QStringLiteral("Ingreds"));
-    QCOMPARE(column(*ingreds, *findRow(*ingreds, QStringLiteral("1001")), QStringLiteral("ingredPrice")),
-             QStringLiteral("8.5"));
     QCOMPARE(column(*ingreds, *findRow(*ingreds, QStringLiteral("9520")), QStringLiteral("ingredPrice")),
              QString());
     // Milk, a liquid, is kept by the kilogram once it has a price.
@@ -427,7 +365,6 @@ void TestUsdaConvert::commandLine() {
     QCOMPARE(runConverter({dir.filePath(QStringLiteral("nowhere")), dir.path()}), 1);
     QCOMPARE(runConverter({kFixture, dir.path()}), 0);
     const SeedResult result = buildSeedTables(readUsdaFolder(kFixture));
-    QCOMPARE(result.tables.size(), 4);
     for (const SeedTable& table : result.tables) {
         QFile file(dir.filePath(QStringLiteral("%1.tsv").arg(table.name)));
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -461,14 +398,9 @@ void TestUsdaConvert::deliveredReferenceData() {
         smallCodes.insert(u.at(3));
         unitType.insert(u.at(0), u.at(5).toInt());
     }
-    QCOMPARE(units.rows.at(4).at(6), QStringLiteral("28.349523125"));
 
-    bool butterTablespoon = false;
-    for (const QStringList& c : convs.rows) {
-        QVERIFY(unitType.value(c.at(0)) == 2);
-        butterTablespoon = butterTablespoon || (c.mid(0, 3) == QStringList{"8", "1001", "14.2"});
-    }
-    QVERIFY(butterTablespoon);
+    for (const QStringList& c : convs.rows)
+        QVERIFY2(unitType.value(c.at(0)) == 2, qPrintable(c.join(u' ')));
     // Liquids by the liter and eggs by the piece, unless priced: then by the kilogram.
     const int unit = ingreds.columns.indexOf(QStringLiteral("unitId"));
     QHash<QString, QString> baseUnit;
@@ -476,7 +408,6 @@ void TestUsdaConvert::deliveredReferenceData() {
         baseUnit.insert(row.at(0), row.at(unit));
     QCOMPARE(baseUnit.value("1085"), QStringLiteral("13"));
     QCOMPARE(baseUnit.value("1129"), QStringLiteral("19"));
-    QCOMPARE(baseUnit.value("1077"), QStringLiteral("2"));
     QCOMPARE(baseUnit.value("1123"), QStringLiteral("2"));
 }
 
