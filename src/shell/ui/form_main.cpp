@@ -188,7 +188,8 @@ TFormMain::TFormMain(const TAppPaths& paths, QWidget* parent)
     splitter->addWidget(m_mdiArea);
     splitter->setStretchFactor(1, 1);
     splitter->setCollapsible(1, false);
-    splitter->setSizes({144, 656});
+    // Narrow enough that a child of its default 660 pixels fits beside it in the smallest frame.
+    splitter->setSizes({116, 684});
     setCentralWidget(splitter);
 
     m_statusHint = new QLabel(this);
