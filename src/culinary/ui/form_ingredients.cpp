@@ -203,6 +203,9 @@ QWidget* TFormIngredients::BuildConversionsPage() {
     m_gridUnitsIn = listGrid(page, "DBGridUnitsIn", m_unitsInModel);
     m_gridUnitsIn->horizontalHeader()->setStretchLastSection(false);
     m_gridUnitsIn->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    // Grams take what their numbers need, so the names never push the list sideways.
+    m_gridUnitsIn->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    m_gridUnitsIn->horizontalHeader()->setMinimumSectionSize(40);
     m_gridUnitsOut->installEventFilter(this);
     m_gridUnitsIn->installEventFilter(this);
     connect(m_gridUnitsOut, &QAbstractItemView::doubleClicked, this,
