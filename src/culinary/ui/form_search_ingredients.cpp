@@ -38,8 +38,9 @@ TFormSearchIngredients::TFormSearchIngredients(QWidget* parent) : TSearchWindow(
     auto* labelPattern = new QLabel(tr("Ingredient &name contains:"));
     labelPattern->setObjectName(QStringLiteral("LabelPattern"));
     labelPattern->setBuddy(m_editPattern);
-    m_treeIngredientTypes = MakeTree("TreeViewIngredientTypes", QStringLiteral("ITypes"),
-                                     QStringLiteral("ingredTypeId"), QStringLiteral("ingredTypeName"));
+    m_treeIngredientTypes = TVintraDBTreeView::MakePickTree(
+        nullptr, QStringLiteral("TreeViewIngredientTypes"), QStringLiteral("ITypes"),
+        QStringLiteral("ingredTypeId"), QStringLiteral("ingredTypeName"));
     m_checkBoxAllTypes = new QCheckBox(tr("&All types"));
     m_checkBoxAllTypes->setObjectName(QStringLiteral("CheckBoxAllTypes"));
     auto* types = new QGroupBox(tr("Types"));

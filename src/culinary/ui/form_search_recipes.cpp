@@ -130,8 +130,9 @@ QWidget* TFormSearchRecipes::BuildNamePage() {
     labelPattern->setObjectName(QStringLiteral("LabelPattern"));
     labelPattern->setBuddy(m_editPattern);
 
-    m_treeRecipeGroups = MakeTree("TreeViewRecipeGroups", QStringLiteral("RGroups"),
-                                  QStringLiteral("recGroupId"), QStringLiteral("recGroupName"));
+    m_treeRecipeGroups = TVintraDBTreeView::MakePickTree(
+        nullptr, QStringLiteral("TreeViewRecipeGroups"), QStringLiteral("RGroups"),
+        QStringLiteral("recGroupId"), QStringLiteral("recGroupName"));
     m_checkBoxAllGroups = new QCheckBox(tr("&All groups"));
     m_checkBoxAllGroups->setObjectName(QStringLiteral("CheckBoxAllGroups"));
     auto* groups = new QGroupBox(tr("Groups"));
@@ -227,8 +228,9 @@ QWidget* TFormSearchRecipes::BuildAdvancedPage() {
 QWidget* TFormSearchRecipes::BuildContentsPage() {
     auto* page = new QWidget;
     page->setObjectName(QStringLiteral("TabSheetContents"));
-    m_treeIngredientTypes = MakeTree("TreeViewIngredientTypes", QStringLiteral("ITypes"),
-                                     QStringLiteral("ingredTypeId"), QStringLiteral("ingredTypeName"));
+    m_treeIngredientTypes = TVintraDBTreeView::MakePickTree(
+        nullptr, QStringLiteral("TreeViewIngredientTypes"), QStringLiteral("ITypes"),
+        QStringLiteral("ingredTypeId"), QStringLiteral("ingredTypeName"));
     connect(m_treeIngredientTypes, &TVintraDBTreeView::CurrentKeyChanged, this,
             &TFormSearchRecipes::TreeViewIngredientTypesChange);
     m_gridIngredients = MakeGrid("DBGridIngredientsAvailable", m_queryIngredients,

@@ -186,11 +186,6 @@ void TSearchWindow::ResetNutrientLimits() {
         op->setCurrentIndex(0);
 }
 
-TVintraDBTreeView* TSearchWindow::MakeTree(const char* name, const QString& table, const QString& key,
-                                           const QString& field) {
-    return TVintraDBTreeView::MakePickTree(nullptr, QLatin1String(name), table, key, field);
-}
-
 void TSearchWindow::LoadTree(TVintraDBTreeView* tree, const QString& rootName) {
     tree->SetRootNodeName(rootName);
     tree->Load();

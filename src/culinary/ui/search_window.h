@@ -72,10 +72,6 @@ protected:
     int AddNutrientLimits(QGridLayout* grid, int row);
     /// A button of PanelButtons; the buttons go down in the order they are added.
     QPushButton* AddButton(const char* name, const QString& text);
-    /// A group tree to choose from: no renames, no drops (it keeps a node's expanded state as
-    /// every group tree does).
-    TVintraDBTreeView* MakeTree(const char* name, const QString& table, const QString& key,
-                                const QString& field);
     /// Loads and sorts the tree and selects its first node.
     static void LoadTree(TVintraDBTreeView* tree, const QString& rootName);
     /// A read-only grid over a model of `dataset` showing `fields` under `titles`.
