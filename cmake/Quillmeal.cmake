@@ -3,7 +3,7 @@
 function(qm_core_library name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
-  target_link_libraries(${name} PUBLIC Qt6::Core Qt6::Gui Qt6::Sql)
+  target_link_libraries(${name} PUBLIC Qt6::Core Qt6::Gui)
 endfunction()
 
 function(qm_ui_library name)

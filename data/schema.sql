@@ -1,6 +1,8 @@
 -- The tables of the Quillmeal database, as the delivered file is built.
 -- Text widths are enforced as the original engine did; keys are the logical keys the statements
 -- address; there are no foreign keys and no cascades: the program runs those itself.
+-- The loader adds the column rules of the engine to every table (see withColumnRules): text
+-- compares without case, SMALLINT and INT columns keep to 16 and 32 bits.
 
 CREATE TABLE PKeys (
   keyId TEXT NOT NULL PRIMARY KEY CHECK (length(keyId) <= 64),

@@ -7,9 +7,6 @@
 #include "store/resource_holder.h"
 
 #include <QDate>
-#include <QRegularExpression>
-#include <QSqlQuery>
-#include <QSqlRecord>
 
 namespace cli {
 
@@ -46,22 +43,15 @@ int Sql(Context& c, const QStringList& args) {
         c.err << "usage: quillmeal-cli sql STATEMENT\n";
         return 2;
     }
-    const QString statement = args.first();
-    static const QRegularExpression returnsRows(QStringLiteral("^\\s*(SELECT|PRAGMA|WITH|VALUES)\\b"),
-                                                QRegularExpression::CaseInsensitiveOption);
-    if (!returnsRows.match(statement).hasMatch()) {
-        DataModuleMain->KADaoDatabase.exec(statement);
+    // Whether rows are printed is the statement's own answer: it has result columns or not.
+    qm::Cursor query = DataModuleMain->KADaoDatabase.run(args.first());
+    const int count = query.columnCount();
+    if (count == 0)
         return 0;
-    }
-    QSqlQuery query = DataModuleMain->KADaoDatabase.run(statement);
-    const QSqlRecord record = query.record();
-    QStringList header;
-    for (int i = 0; i < record.count(); ++i)
-        header << record.fieldName(i);
-    c.out << header.join(QLatin1Char('\t')) << '\n';
+    c.out << query.columnNames().join(QLatin1Char('\t')) << '\n';
     while (query.next()) {
         QStringList row;
-        for (int i = 0; i < record.count(); ++i)
+        for (int i = 0; i < count; ++i)
             row << FormatValue(query.value(i));
         c.out << row.join(QLatin1Char('\t')) << '\n';
     }

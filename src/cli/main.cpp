@@ -65,6 +65,10 @@ int main(int argc, char** argv) {
                                       QStringLiteral("import-price-list"),
                                       QStringLiteral("search-recipes"),
                                       QStringLiteral("search-ingredients")};
+    if (command.startsWith(QLatin1String("--"))) {
+        err << "unknown option: " << command << '\n' << Usage;
+        return 2;
+    }
     if (!known.contains(command)) {
         err << "unknown command: " << command << '\n' << Usage;
         return 2;

@@ -4,8 +4,6 @@
 #include "store/data_module_main.h"
 
 #include <QRegularExpression>
-#include <QSqlQuery>
-#include <QSqlRecord>
 
 namespace cli {
 
@@ -14,14 +12,19 @@ namespace {
 /// Reads "--name VALUE" options; flags stand alone. Returns false with `error` on bad usage.
 class OptionReader {
 public:
-    explicit OptionReader(const QStringList& args) : m_args(args) {}
-    bool next(QString& name, QString& value, const QStringList& flags, QString& error) {
+    OptionReader(const QStringList& args, const QStringList& flags, const QStringList& valued)
+        : m_args(args), m_flags(flags), m_valued(valued) {}
+    bool next(QString& name, QString& value, QString& error) {
         if (m_pos >= m_args.size())
             return false;
         name = m_args.at(m_pos++);
         value.clear();
-        if (flags.contains(name))
+        if (m_flags.contains(name))
             return true;
+        if (!m_valued.contains(name)) {
+            error = QStringLiteral("unknown option: ") + name;
+            return true;
+        }
         if (m_pos >= m_args.size()) {
             error = name + QStringLiteral(" needs a value");
             name.clear();
@@ -33,6 +36,8 @@ public:
 
 private:
     QStringList m_args;
+    QStringList m_flags;
+    QStringList m_valued;
     int m_pos = 0;
 };
 
@@ -66,11 +71,18 @@ int runStatement(Context& c, const QString& statement, bool printSql, const char
         c.out << statement;
         return 0;
     }
-    QSqlQuery query = DataModuleMain->KADaoDatabase.run(statement);
-    const int id = query.record().indexOf(QLatin1String(idColumn));
-    const int name = query.record().indexOf(QLatin1String(nameColumn));
+    qm::Cursor query = DataModuleMain->KADaoDatabase.run(statement);
+    const QStringList columns = query.columnNames();
+    const auto indexOf = [&columns](const char* column) {
+        for (int i = 0; i < columns.size(); ++i)
+            if (columns.at(i).compare(QLatin1String(column), Qt::CaseInsensitive) == 0)
+                return i;
+        return -1;
+    };
+    const int id = indexOf(idColumn);
+    const int name = indexOf(nameColumn);
     while (query.next())
-        c.out << query.value(id).toString() << '\t' << query.value(name).toString() << '\n';
+        c.out << query.toString(id) << '\t' << query.toString(name) << '\n';
     return 0;
 }
 
@@ -88,10 +100,12 @@ int SearchRecipes(Context& c, const QStringList& args) {
     TRecipeSearchCriteria criteria;
     criteria.allGroups = false;
     bool printSql = false;
-    OptionReader reader(args);
+    OptionReader reader(args, {"--all-groups", "--sql"},
+                        {"--pattern", "--group", "--category", "--not-category", "--max-time", "--servings",
+                         "--nutrient", "--contains", "--not-contains", "--made-of"});
     QString name, value, error;
     bool ok = true;
-    while (ok && reader.next(name, value, {"--all-groups", "--sql"}, error)) {
+    while (ok && reader.next(name, value, error)) {
         if (!error.isEmpty())
             ok = false;
         else if (name == QLatin1String("--pattern"))
@@ -135,10 +149,10 @@ int SearchIngredients(Context& c, const QStringList& args) {
     TIngredientSearchCriteria criteria;
     criteria.allTypes = false;
     bool printSql = false;
-    OptionReader reader(args);
+    OptionReader reader(args, {"--all-types", "--sql"}, {"--pattern", "--type", "--nutrient"});
     QString name, value, error;
     bool ok = true;
-    while (ok && reader.next(name, value, {"--all-types", "--sql"}, error)) {
+    while (ok && reader.next(name, value, error)) {
         if (!error.isEmpty())
             ok = false;
         else if (name == QLatin1String("--pattern"))

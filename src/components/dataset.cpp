@@ -5,7 +5,6 @@
 
 #include <QRegularExpression>
 #include <QSet>
-#include <QSqlQuery>
 #include <algorithm>
 #include <cmath>
 
@@ -873,7 +872,7 @@ void Dataset::writeInsert() {
     const QString sql = columns.isEmpty() ? kInsertDefaults.arg(table)
                                           : kInsertRow.arg(table, columns.join(QStringLiteral(", ")),
                                                            values.join(QStringLiteral(", ")));
-    QSqlQuery query = m_database->run(sql, params);
+    Cursor query = m_database->run(sql, params);
     // A single key left empty is numbered by the engine; take its number to find the row again.
     if (m_keyIndexes.size() == 1 && isNull(m_buffer.at(m_keyIndexes.first()))) {
         const QVariant id = query.lastInsertId();

@@ -1,110 +1,262 @@
 #include "components/jet_dialect.h"
 
+#include <QChar>
+#include <QList>
 #include <cmath>
+#include <memory>
 #include <sqlite3.h>
+#include <vector>
 
 namespace qm {
 
 namespace {
 
-bool sameLetter(QChar a, QChar b) {
-    return a == b || a.toCaseFolded() == b.toCaseFolded();
+// The dates Jet can hold: 1 January 100 to 31 December 9999.
+constexpr double FirstDay = -657434.0;
+constexpr double LastDay = 2958466.0;
+
+inline char32_t foldChar(char32_t c) {
+    if (c < 0x80)
+        return (c >= 'A' && c <= 'Z') ? c + 32 : c;
+    return QChar::toCaseFolded(c);
 }
 
-// Matches a bracket class starting at pattern[p] == '['; sets end past ']'. A class without its
-// closing bracket is taken as a literal '['.
-bool matchClass(const QString& pattern, qsizetype p, QChar c, qsizetype& end, bool& isClass) {
-    qsizetype q = p + 1;
-    bool negate = false;
-    if (q < pattern.size() && pattern.at(q) == QLatin1Char('!')) {
-        negate = true;
-        ++q;
+// One code point of UTF-8 at s[i]; a byte that starts no valid sequence stands for itself.
+inline char32_t decodeUtf8(const unsigned char* s, size_t n, size_t i, size_t& length) {
+    const unsigned char b = s[i];
+    if (b < 0x80) {
+        length = 1;
+        return b;
     }
+    int extra = 0;
+    char32_t c = 0;
+    if ((b & 0xE0) == 0xC0) {
+        extra = 1;
+        c = b & 0x1F;
+    } else if ((b & 0xF0) == 0xE0) {
+        extra = 2;
+        c = b & 0x0F;
+    } else if ((b & 0xF8) == 0xF0) {
+        extra = 3;
+        c = b & 0x07;
+    } else {
+        length = 1;
+        return b;
+    }
+    if (i + size_t(extra) >= n) {
+        length = 1;
+        return b;
+    }
+    for (int k = 1; k <= extra; ++k) {
+        const unsigned char next = s[i + k];
+        if ((next & 0xC0) != 0x80) {
+            length = 1;
+            return b;
+        }
+        c = (c << 6) | (next & 0x3F);
+    }
+    length = size_t(extra) + 1;
+    return c;
+}
+
+std::u32string toCodePoints(const QString& text) {
+    std::u32string out;
+    out.reserve(size_t(text.size()));
+    for (const char32_t c : text.toUcs4())
+        out.push_back(c);
+    return out;
+}
+
+} // namespace
+
+bool JetPattern::Class::contains(char32_t c, char32_t folded) const {
     bool hit = false;
-    bool first = true;
-    while (q < pattern.size() && (first || pattern.at(q) != QLatin1Char(']'))) {
-        first = false;
-        const QChar lo = pattern.at(q);
-        if (q + 2 < pattern.size() && pattern.at(q + 1) == QLatin1Char('-') &&
-            pattern.at(q + 2) != QLatin1Char(']')) {
-            const QChar hi = pattern.at(q + 2);
-            const QChar folded = c.toCaseFolded();
-            if ((c >= lo && c <= hi) || (folded >= lo.toCaseFolded() && folded <= hi.toCaseFolded()))
-                hit = true;
-            q += 3;
-        } else {
-            if (sameLetter(lo, c))
-                hit = true;
-            ++q;
+    for (const Range& r : ranges) {
+        if ((c >= r.low && c <= r.high) || (folded >= r.foldedLow && folded <= r.foldedHigh)) {
+            hit = true;
+            break;
         }
     }
-    if (q >= pattern.size()) {
-        isClass = false;
-        return false;
-    }
-    isClass = true;
-    end = q + 1;
     return hit != negate;
 }
 
-bool matchFrom(const QString& pattern, qsizetype p, const QString& text, qsizetype t) {
-    while (p < pattern.size()) {
-        const QChar pc = pattern.at(p);
-        if (pc == QLatin1Char('*')) {
-            while (p < pattern.size() && pattern.at(p) == QLatin1Char('*'))
-                ++p;
-            if (p == pattern.size())
-                return true;
-            for (qsizetype k = t; k <= text.size(); ++k)
-                if (matchFrom(pattern, p, text, k))
-                    return true;
-            return false;
-        }
-        if (t >= text.size())
-            return false;
-        const QChar tc = text.at(t);
-        if (pc == QLatin1Char('?')) {
-            ++p;
-        } else if (pc == QLatin1Char('#')) {
-            if (!tc.isDigit())
-                return false;
-            ++p;
-        } else if (pc == QLatin1Char('[')) {
-            qsizetype end = p;
-            bool isClass = false;
-            const bool hit = matchClass(pattern, p, tc, end, isClass);
-            if (isClass) {
-                if (!hit)
-                    return false;
-                p = end;
-            } else {
-                if (tc != pc)
-                    return false;
-                ++p;
+bool JetPattern::compile(const QString& pattern, QString& error) {
+    tokens.clear();
+    classes.clear();
+    const std::u32string p = toCodePoints(pattern);
+    for (size_t i = 0; i < p.size(); ++i) {
+        const char32_t c = p[i];
+        if (c == U'*') {
+            if (tokens.empty() || tokens.back().kind != Token::Star)
+                tokens.push_back({Token::Star, 0, 0});
+        } else if (c == U'?') {
+            tokens.push_back({Token::Any, 0, 0});
+        } else if (c == U'#') {
+            tokens.push_back({Token::Digit, 0, 0});
+        } else if (c == U'[') {
+            size_t j = i + 1;
+            Class cls;
+            if (j < p.size() && p[j] == U'!') {
+                cls.negate = true;
+                ++j;
             }
-        } else {
-            if (!sameLetter(pc, tc))
+            const size_t first = j;
+            while (j < p.size() && p[j] != U']') {
+                char32_t low = p[j];
+                char32_t high = low;
+                // A '-' between two members is a range; first or last it is itself.
+                if (j + 2 < p.size() && p[j + 1] == U'-' && p[j + 2] != U']') {
+                    high = p[j + 2];
+                    j += 3;
+                } else {
+                    ++j;
+                }
+                cls.ranges.push_back({low, high, foldChar(low), foldChar(high)});
+            }
+            if (j >= p.size()) {
+                error = QStringLiteral("Invalid pattern \"%1\": the bracket at position %2 is not closed")
+                            .arg(pattern)
+                            .arg(i + 1);
                 return false;
-            ++p;
+            }
+            if (j == first && !cls.negate) {
+                // "[]" matches the empty string: it takes no character.
+            } else {
+                tokens.push_back({Token::Class, 0, int(classes.size())});
+                classes.push_back(std::move(cls));
+            }
+            i = j;
+        } else {
+            tokens.push_back({Token::Literal, foldChar(c), 0});
         }
-        ++t;
     }
-    return t == text.size();
+    return true;
 }
 
-QString textArg(sqlite3_value* value) {
-    const auto* data = reinterpret_cast<const char16_t*>(sqlite3_value_text16(value));
-    return QString::fromUtf16(data, sqlite3_value_bytes16(value) / 2);
+bool JetPattern::matchOne(const Token& token, char32_t c) const {
+    switch (token.kind) {
+    case Token::Literal:
+        return foldChar(c) == token.ch;
+    case Token::Any:
+        return true;
+    case Token::Digit:
+        return c >= U'0' && c <= U'9';
+    case Token::Class:
+        return classes[size_t(token.classIndex)].contains(c, foldChar(c));
+    case Token::Star:
+        break;
+    }
+    return false;
 }
 
-void likeFunction(sqlite3_context* context, int argc, sqlite3_value** argv) {
+// Greedy with one back-up point: every token but '*' takes exactly one character, so when a later
+// token fails only the last '*' needs to take one more; no recursion, at most text × pattern steps.
+bool JetPattern::match(const unsigned char* s, size_t n) const {
+    const size_t m = tokens.size();
+    constexpr size_t None = size_t(-1);
+    size_t p = 0, t = 0;
+    size_t starP = None, starT = 0;
+    for (;;) {
+        if (p < m && tokens[p].kind == Token::Star) {
+            starP = ++p;
+            starT = t;
+            if (p == m)
+                return true; // a trailing '*' takes the rest
+            continue;
+        }
+        if (t >= n)
+            break;
+        size_t length = 1;
+        const char32_t c = decodeUtf8(s, n, t, length);
+        if (p < m && matchOne(tokens[p], c)) {
+            ++p;
+            t += length;
+            continue;
+        }
+        if (starP == None)
+            return false;
+        size_t skip = 1;
+        decodeUtf8(s, n, starT, skip);
+        starT += skip;
+        t = starT;
+        p = starP;
+    }
+    while (p < m && tokens[p].kind == Token::Star)
+        ++p;
+    return p == m;
+}
+
+bool JetPattern::match(const QString& text) const {
+    const QByteArray utf8 = text.toUtf8();
+    return match(reinterpret_cast<const unsigned char*>(utf8.constData()), size_t(utf8.size()));
+}
+
+namespace {
+
+void deletePattern(void* pattern) {
+    delete static_cast<JetPattern*>(pattern);
+}
+
+void likeFunction(sqlite3_context* context, int, sqlite3_value** argv) {
     // like(pattern, text[, escape]): Jet has no escape character; a third argument is ignored.
-    Q_UNUSED(argc);
     if (sqlite3_value_type(argv[0]) == SQLITE_NULL || sqlite3_value_type(argv[1]) == SQLITE_NULL) {
         sqlite3_result_null(context);
         return;
     }
-    sqlite3_result_int(context, jetLike(textArg(argv[0]), textArg(argv[1])) ? 1 : 0);
+    // The pattern is compiled once per statement: SQLite keeps it while argument 0 stays the same.
+    const auto* text = sqlite3_value_text(argv[1]);
+    const size_t length = size_t(sqlite3_value_bytes(argv[1]));
+    if (const auto* kept = static_cast<const JetPattern*>(sqlite3_get_auxdata(context, 0))) {
+        sqlite3_result_int(context, kept->match(text, length) ? 1 : 0);
+        return;
+    }
+    const auto* source = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    auto compiled = std::make_unique<JetPattern>();
+    QString error;
+    if (!compiled->compile(QString::fromUtf8(source, sqlite3_value_bytes(argv[0])), error)) {
+        const QByteArray message = error.toUtf8();
+        sqlite3_result_error(context, message.constData(), int(message.size()));
+        return;
+    }
+    sqlite3_result_int(context, compiled->match(text, length) ? 1 : 0);
+    // SQLite may free it at once; it is not used after this call.
+    sqlite3_set_auxdata(context, 0, compiled.release(), deletePattern);
+}
+
+// Text compares without case, for every letter, as Jet compares: overrides SQLite's ASCII-only
+// NOCASE on our connections, so the schema keeps the built-in name the stock tools know.
+int noCaseCompare(void*, int n1, const void* p1, int n2, const void* p2) {
+    const auto* a = static_cast<const unsigned char*>(p1);
+    const auto* b = static_cast<const unsigned char*>(p2);
+    size_t i = 0, j = 0;
+    const size_t na = size_t(n1), nb = size_t(n2);
+    while (i < na && j < nb) {
+        char32_t ca = a[i], cb = b[j];
+        if (ca < 0x80 && cb < 0x80) {
+            ca = foldChar(ca);
+            cb = foldChar(cb);
+            ++i;
+            ++j;
+        } else {
+            size_t la = 1, lb = 1;
+            ca = foldChar(decodeUtf8(a, na, i, la));
+            cb = foldChar(decodeUtf8(b, nb, j, lb));
+            i += la;
+            j += lb;
+        }
+        if (ca != cb)
+            return ca < cb ? -1 : 1;
+    }
+    if (i < na)
+        return 1;
+    if (j < nb)
+        return -1;
+    return 0;
+}
+
+QString textArg(sqlite3_value* value) {
+    const auto* data = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    return QString::fromUtf8(data, sqlite3_value_bytes(value));
 }
 
 // A date argument is a day number; text in ISO form is accepted too, for hand-typed statements.
@@ -130,18 +282,25 @@ void dateDiffFunction(sqlite3_context* context, int, sqlite3_value** argv) {
         sqlite3_result_null(context);
         return;
     }
-    const QString interval = textArg(argv[0]).toLower();
-    if (interval == QLatin1String("d") || interval == QLatin1String("y")) {
-        // Jet counts the day boundaries crossed, not elapsed time.
-        sqlite3_result_int64(context, sqlite3_int64(std::floor(b)) - sqlite3_int64(std::floor(a)));
-    } else if (interval == QLatin1String("h")) {
-        sqlite3_result_int64(context, sqlite3_int64(std::floor(b * 24)) - sqlite3_int64(std::floor(a * 24)));
-    } else if (interval == QLatin1String("n")) {
-        sqlite3_result_int64(context,
-                             sqlite3_int64(std::floor(b * 1440)) - sqlite3_int64(std::floor(a * 1440)));
-    } else {
-        sqlite3_result_error(context, "DATEDIFF: unsupported interval", -1);
+    if (!(a >= FirstDay && a < LastDay && b >= FirstDay && b < LastDay)) {
+        sqlite3_result_error(context, "DATEDIFF: the date is out of range", -1);
+        return;
     }
+    const QString interval = textArg(argv[0]).toLower();
+    double scale = 0;
+    if (interval == QLatin1String("d") || interval == QLatin1String("y"))
+        scale = 1;
+    else if (interval == QLatin1String("h"))
+        scale = 24;
+    else if (interval == QLatin1String("n"))
+        scale = 1440;
+    if (scale == 0) {
+        sqlite3_result_error(context, "DATEDIFF: unsupported interval", -1);
+        return;
+    }
+    // Jet counts the boundaries crossed, not elapsed time.
+    sqlite3_result_int64(context,
+                         sqlite3_int64(std::floor(b * scale)) - sqlite3_int64(std::floor(a * scale)));
 }
 
 void chrFunction(sqlite3_context* context, int, sqlite3_value** argv) {
@@ -149,14 +308,28 @@ void chrFunction(sqlite3_context* context, int, sqlite3_value** argv) {
         sqlite3_result_null(context);
         return;
     }
-    const QString text(QChar(char16_t(sqlite3_value_int(argv[0]))));
-    sqlite3_result_text16(context, text.utf16(), int(text.size() * 2), SQLITE_TRANSIENT);
+    const sqlite3_int64 code = sqlite3_value_int64(argv[0]);
+    if (code < 0 || code > 0xFFFF) {
+        sqlite3_result_error(context, "CHR: the character code is out of range", -1);
+        return;
+    }
+    const QString text = QString(QChar(char16_t(code)));
+    const QByteArray utf8 = text.toUtf8();
+    sqlite3_result_text(context, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
 }
 
 } // namespace
 
 bool jetLike(const QString& pattern, const QString& text) {
-    return matchFrom(pattern, 0, text, 0);
+    JetPattern compiled;
+    QString error;
+    return compiled.compile(pattern, error) && compiled.match(text);
+}
+
+int jetCompareNoCase(const QString& a, const QString& b) {
+    const QByteArray x = a.toUtf8();
+    const QByteArray y = b.toUtf8();
+    return noCaseCompare(nullptr, int(x.size()), x.constData(), int(y.size()), y.constData());
 }
 
 bool installJetDialect(sqlite3* handle) {
@@ -168,6 +341,8 @@ bool installJetDialect(sqlite3* handle) {
            sqlite3_create_function(handle, "datediff", 3, flags, nullptr, dateDiffFunction, nullptr,
                                    nullptr) == SQLITE_OK &&
            sqlite3_create_function(handle, "chr", 1, flags, nullptr, chrFunction, nullptr, nullptr) ==
+               SQLITE_OK &&
+           sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, nullptr, noCaseCompare, nullptr) ==
                SQLITE_OK;
 }
 

@@ -3,7 +3,6 @@
 #include "components/database.h"
 #include "components/sql_format.h"
 
-#include <QSqlQuery>
 #include <QVariant>
 #include <cfenv>
 #include <cmath>
@@ -51,7 +50,7 @@ double LineFactor(double amount, double weight) {
 
 TNutrientValues RecipeNutrientSums(qm::Database& db, int recId) {
     TNutrientValues sums{};
-    QSqlQuery lines = db.run(qm::format(QString::fromLatin1(NutrientSql::RecipeLines), {recId}));
+    qm::Cursor lines = db.runFormat(NutrientSql::RecipeLines, {recId});
     while (lines.next()) {
         const int ingredId = lines.value(0).toInt();
         const double amount = lines.value(1).toDouble();

@@ -4,6 +4,7 @@
 #include "components/messages.h"
 #include "components/sql_format.h"
 #include "store/resource_holder.h"
+#include "store/schema.h"
 
 #include <QDir>
 #include <QFile>
@@ -139,6 +140,9 @@ void TDataModuleMain::DataModuleCreate() {
         if (current < 301)
             ConvertPicturesBelow301();
     }
+    // Text compares without case and numbers keep their widths, in older files too.
+    if (!KADaoDatabase.isReadOnly())
+        qm::upgradeColumnRules(KADaoDatabase);
     // 8.
     initialised = true;
 }
@@ -155,13 +159,14 @@ void TDataModuleMain::ConvertPicturesBelow301() {
 }
 
 int TDataModuleMain::GetNewId(const QString& keyId) {
-    const QVariant value = KADaoDatabase.scalar(qm::format(sql(DataModuleSql::GetNewIdSelect), {keyId}));
+    // The key goes in as a bound text value: a quote in it can't change the statement.
+    const QVariant value = KADaoDatabase.scalarFormat(DataModuleSql::GetNewIdSelect, {keyId});
     if (!value.isValid()) {
-        KADaoDatabase.exec(qm::format(sql(DataModuleSql::GetNewIdInsert), {keyId}));
+        KADaoDatabase.execFormat(DataModuleSql::GetNewIdInsert, {keyId});
         return 1;
     }
     const int next = value.toInt() + 1;
-    KADaoDatabase.exec(qm::format(sql(DataModuleSql::GetNewIdUpdate), {next, keyId}));
+    KADaoDatabase.execFormat(DataModuleSql::GetNewIdUpdate, {next, keyId});
     return next;
 }
 
@@ -174,21 +179,25 @@ int TDataModuleMain::CountRecords(const QString& table) {
 }
 
 int TDataModuleMain::GetRecipeGroupId(int recId) {
-    return KADaoDatabase.scalar(qm::format(sql(DataModuleSql::RecipeGroupId), {recId})).toInt();
+    return KADaoDatabase.scalarFormat(DataModuleSql::RecipeGroupId, {recId}).toInt();
 }
 
 int TDataModuleMain::GetIngredientTypeId(int ingredId) {
-    return KADaoDatabase.scalar(qm::format(sql(DataModuleSql::IngredientTypeId), {ingredId})).toInt();
+    return KADaoDatabase.scalarFormat(DataModuleSql::IngredientTypeId, {ingredId}).toInt();
 }
 
 int TDataModuleMain::GetMenuGroupId(int menuId) {
-    return KADaoDatabase.scalar(qm::format(sql(DataModuleSql::MenuGroupId), {menuId})).toInt();
+    return KADaoDatabase.scalarFormat(DataModuleSql::MenuGroupId, {menuId}).toInt();
 }
 
 void TDataModuleMain::GetUserData(int& sex, float& height, double& birthDate) {
     const int userId = FormResourceHolder->VintraOptions.GetAsInteger(QStringLiteral("ActiveUserId"));
     const qm::SqlRows rows =
         KADaoDatabase.select(sql(DataModuleSql::UserData), {{QStringLiteral("userId"), userId}});
+    // No row for the active user: a user of nothing, as the empty query reads.
+    sex = 0;
+    height = 0;
+    birthDate = 0;
     if (rows.rows.isEmpty())
         return;
     sex = rows.value(0, QStringLiteral("userSex")).toInt();
@@ -196,27 +205,26 @@ void TDataModuleMain::GetUserData(int& sex, float& height, double& birthDate) {
     birthDate = rows.value(0, QStringLiteral("userBirthDate")).toDouble();
 }
 
-TIngredientAmount TDataModuleMain::SumIngredientRows(int ingredId, const QString& amountSql) {
+TIngredientAmount TDataModuleMain::SumIngredientRows(int ingredId, qm::Cursor rows) {
     TIngredientAmount result;
     // The base unit: the first row read decides, which for a volume unit may be another
     // ingredient's conversion, since the statement doesn't bind Convs to this ingredient.
     double baseGrams = 0;
     {
-        QSqlQuery base =
-            KADaoDatabase.run(sql(DataModuleSql::IngredBaseUnit), {{QStringLiteral("ingredId"), ingredId}});
+        qm::Cursor base = KADaoDatabase.runFormat(DataModuleSql::IngredBaseUnit, {},
+                                                  {{QStringLiteral("ingredId"), ingredId}});
         if (base.next()) {
-            result.unitName = base.value(1).toString();
-            baseGrams = base.value(2).toDouble();
-            result.price = base.value(3).toDouble();
+            result.unitName = base.toString(1);
+            baseGrams = base.toDouble(2);
+            result.price = base.toDouble(3);
         }
     }
     double total = 0;
-    QSqlQuery rows = KADaoDatabase.run(amountSql);
     while (rows.next()) {
-        const int recAmount = rows.value(0).toInt();
-        const double ingredAmount = rows.value(1).toDouble();
-        const int recServings = rows.value(2).toInt();
-        const double grams = rows.value(3).toDouble();
+        const int recAmount = int(rows.toInt64(0));
+        const double ingredAmount = rows.toDouble(1);
+        const int recServings = int(rows.toInt64(2));
+        const double grams = rows.toDouble(3);
         total += divide(double(recAmount), double(recServings)) * ingredAmount * grams;
     }
     result.amount = divide(total, baseGrams);
@@ -225,19 +233,18 @@ TIngredientAmount TDataModuleMain::SumIngredientRows(int ingredId, const QString
 }
 
 TIngredientAmount TDataModuleMain::GetIngredientInMenu(int menuId, int ingredId) {
-    const QString amountSql = qm::format(sql(DataModuleSql::IngredientInMenu),
-                                         {menuId, ingredId, ingredId, ingredId, menuId, ingredId, ingredId});
-    return SumIngredientRows(ingredId, amountSql);
+    return SumIngredientRows(ingredId, KADaoDatabase.runFormat(DataModuleSql::IngredientInMenu,
+                                                               {menuId, ingredId, ingredId, ingredId, menuId,
+                                                                ingredId, ingredId}));
 }
 
 TIngredientAmount TDataModuleMain::GetIngredientForDate(int ingredId, const QDateTime& dateStart,
                                                         const QDateTime& dateEnd) {
     const int start = wholeDay(dateStart);
     const int end = wholeDay(dateEnd);
-    const QString amountSql =
-        qm::format(sql(DataModuleSql::IngredientForDate),
-                   {start, end, ingredId, ingredId, ingredId, start, end, ingredId, ingredId});
-    return SumIngredientRows(ingredId, amountSql);
+    return SumIngredientRows(ingredId, KADaoDatabase.runFormat(DataModuleSql::IngredientForDate,
+                                                               {start, end, ingredId, ingredId, ingredId,
+                                                                start, end, ingredId, ingredId}));
 }
 
 QString TDataModuleMain::PictureFolder(TPictureKind kind) const {

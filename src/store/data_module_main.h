@@ -42,7 +42,7 @@ public:
     int GetRecipeGroupId(int recId);
     int GetIngredientTypeId(int ingredId);
     int GetMenuGroupId(int menuId);
-    /// Sex, height and birth date (day number) of the active user; unchanged when there is no row.
+    /// Sex, height and birth date (day number) of the active user; zeros when there is no row.
     void GetUserData(int& sex, float& height, double& birthDate);
 
     TIngredientAmount GetIngredientInMenu(int menuId, int ingredId);
@@ -62,7 +62,7 @@ public:
 
 private:
     // The ingredient's base unit with its grams and price, and the rows of one amount statement.
-    TIngredientAmount SumIngredientRows(int ingredId, const QString& amountSql);
+    TIngredientAmount SumIngredientRows(int ingredId, qm::Cursor rows);
     void ConvertPicturesBelow301();
 };
 

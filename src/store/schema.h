@@ -10,7 +10,21 @@ class Database;
 /// Splits a script of statements separated by ';' (outside literals), dropping '--' comments.
 QStringList splitSqlScript(const QString& script);
 
-/// Creates every table of the schema script in an empty database; throws DbError.
+/// A CREATE TABLE statement with the rules the engine enforces on columns: text compares without
+/// case (COLLATE NOCASE) and SMALLINT and INT columns refuse numbers beyond 16 and 32 bits.
+/// Other statements and columns that already carry the rules come back unchanged.
+QString withColumnRules(const QString& createTable);
+
+/// Rebuilds the tables of an existing database whose columns lack those rules; returns how many.
+int upgradeColumnRules(Database& db);
+
+namespace SchemaSql {
+extern const char* const Tables;
+extern const char* const Indexes;
+} // namespace SchemaSql
+
+/// Creates every table of the schema script, with the column rules, in an empty database;
+/// throws DbError.
 void createSchema(Database& db, const QString& schemaFile);
 
 } // namespace qm

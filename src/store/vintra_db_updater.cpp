@@ -10,7 +10,14 @@
 int TVintraDBUpdater::GetCurrentDBVersion(qm::Database& db) const {
     const QString sql = qm::format(QStringLiteral("SELECT %s FROM %s WHERE %s = :key"),
                                    {VersionValueField, VersionTable, VersionKeyField});
-    return db.scalar(sql, {{QStringLiteral("key"), VersionKeyValue}}).toInt();
+    const QVariant version = db.scalar(sql, {{QStringLiteral("key"), VersionKeyValue}});
+    // Without its version row the file is no database of ours, or a damaged one: updating it would
+    // only pretend.
+    if (!version.isValid())
+        throw qm::DbError(QStringLiteral("The database has no version row (%1 %2 = '%3')")
+                              .arg(VersionTable, VersionKeyField, VersionKeyValue),
+                          db.fileName());
+    return version.toInt();
 }
 
 QList<TVintraDBUpdateStep> TVintraDBUpdater::ReadScript(const QString& fileName) {

@@ -1,4 +1,6 @@
 // quillmeal-cli as a script uses it: a fresh data root seeded from the delivered database.
+#include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -79,6 +81,58 @@ private slots:
         const Result bad = run({"sql", "DELETE FROM Menus WHERE menuGroup = 3"});
         QCOMPARE(bad.status, 1);
         QVERIFY(bad.err.contains("menuGroup"));
+        for (const QStringList& args :
+             {QStringList{"--bogus", "init"}, QStringList{"search-recipes", "--bogus"},
+              QStringList{"search-ingredients", "--bogus", "1"}}) {
+            const Result r = run(args);
+            QCOMPARE(r.status, 2);
+            QVERIFY2(r.err.contains("unknown option: --bogus"), qPrintable(r.err));
+        }
+    }
+
+    // Whether rows print is the statement's own answer, whatever text comes first.
+    void sqlPrintsWhatReturnsRows() {
+        const Result commented =
+            run({"sql", "-- how many\nSELECT COUNT(*) AS n FROM Units WHERE unitId < 0"});
+        QCOMPARE(commented.out, QStringLiteral("n\n0\n"));
+        const Result plan = run({"sql", "EXPLAIN QUERY PLAN SELECT recName FROM Recipes WHERE recId = 1"});
+        QCOMPARE(plan.status, 0);
+        QVERIFY2(plan.out.startsWith("id\tparent\tnotused\tdetail\n") && plan.out.count('\n') >= 2,
+                 qPrintable(plan.out));
+        QCOMPARE(run({"sql", "UPDATE Units SET unitDesc = unitDesc WHERE unitId < 0"}).out, QString());
+        QCOMPARE(run({"sql", "SELECT 1; SELECT 2"}).status, 1);
+    }
+
+    // Text rules of the engine as a script meets them: no case, Jet patterns, clear errors.
+    void textRules() {
+        const Result same = run({"sql", "SELECT COUNT(*) AS n FROM Units WHERE unitName = 'GRAM' AND "
+                                        "unitName IN ( 'gRaM' ) AND 'x' LIKE 'X[]'"});
+        QCOMPARE(same.out, QStringLiteral("n\n1\n"));
+        const Result unclosed = run({"sql", "SELECT COUNT(*) FROM Ingreds WHERE ingredName LIKE '[a*'"});
+        QCOMPARE(unclosed.status, 1);
+        QVERIFY2(unclosed.err.contains("not closed"), qPrintable(unclosed.err));
+        // A pattern that backtracking would take minutes over gives what the plain one gives.
+        const Result slow = run({"search-ingredients", "--all-types", "--pattern", "?*?*?*x"});
+        const Result plain = run({"search-ingredients", "--all-types", "--pattern", "*x*"});
+        QCOMPARE(slow.status, 0);
+        QVERIFY(slow.out.count('\n') > 10);
+        QVERIFY(slow.out.count('\n') <= plain.out.count('\n'));
+    }
+
+    void emptyFileStaysEmpty() {
+        QTemporaryDir root;
+        QVERIFY(QDir().mkpath(root.filePath("Database")));
+        const QString file = root.filePath("Database/Hearthnote.db");
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.close();
+        QProcess p;
+        p.start(QStringLiteral(QM_BIN_DIR "/quillmeal-cli"),
+                {"--data-root", root.path(), "--config-dir", root.filePath("cfg"), "init"});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 1);
+        QVERIFY(QString::fromUtf8(p.readAllStandardError()).contains("empty"));
+        QCOMPARE(QFileInfo(file).size(), 0);
     }
 
     // Limits go into the statement as typed, decimals too; anything else is a usage error.

@@ -50,8 +50,22 @@ private slots:
                                             << "axb" << false;
         QTest::newRow("whole match") << "Tom"
                                      << "Tomato" << false;
-        QTest::newRow("unclosed bracket literal") << "[ab"
-                                                  << "[ab" << true;
+        QTest::newRow("empty class is empty text") << "a[]b"
+                                                   << "ab" << true;
+        QTest::newRow("empty class takes nothing") << "a[]b"
+                                                   << "axb" << false;
+        QTest::newRow("hash is 0-9 only") << "#"
+                                          << "\u0663" << false;
+        QTest::newRow("class without case") << "[Ä]pfel"
+                                            << "äpfel" << true;
+        QTest::newRow("star backs up") << "*ab*abc"
+                                       << "xabyababc" << true;
+        QTest::newRow("star then one") << "?*?*?*x"
+                                       << "abcx" << true;
+        QTest::newRow("star then one, too short") << "?*?*?*x"
+                                                  << "abx" << false;
+        QTest::newRow("closing bracket alone") << "a]"
+                                               << "a]" << true;
     }
     void like() {
         QFETCH(QString, pattern);
@@ -62,6 +76,55 @@ private slots:
         const QVariant engine = m_db.scalar(QStringLiteral("SELECT :t LIKE :p"),
                                             {{QStringLiteral("t"), text}, {QStringLiteral("p"), pattern}});
         QCOMPARE(engine.toInt(), matches ? 1 : 0);
+    }
+
+    void likeErrorsAndScale() {
+        // An unclosed bracket is an error of the statement, with a message that says why.
+        try {
+            m_db.scalar(QStringLiteral("SELECT 'ab' LIKE '[ab'"));
+            QFAIL("an unclosed bracket must be refused");
+        } catch (const qm::DbError& e) {
+            QVERIFY2(QString::fromUtf8(e.what()).contains(QStringLiteral("not closed")), e.what());
+        }
+        QVERIFY(!qm::jetLike(QStringLiteral("[ab"), QStringLiteral("[ab")));
+        // Patterns that a backtracking matcher takes exponential time over end at once.
+        const QString text(4000, QLatin1Char('a'));
+        QVERIFY(!qm::jetLike(QStringLiteral("?*?*?*?*?*?*?*?*x"), text));
+        QVERIFY(qm::jetLike(QStringLiteral("*a*a*a*a*a*a*a*a"), text));
+        // One pattern over many rows, non-ASCII text on the way.
+        m_db.exec(QStringLiteral("CREATE TABLE L ( t TEXT )"));
+        for (const char* t : {"Crème brûlée", "CRÈME", "creme", "Sahne"})
+            m_db.exec(QStringLiteral("INSERT INTO L VALUES ( :t )"),
+                      {{QStringLiteral("t"), QString::fromUtf8(t)}});
+        QCOMPARE(m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM L WHERE t LIKE 'crè*'")).toInt(), 2);
+    }
+
+    void textComparesWithoutCase() {
+        m_db.exec(QStringLiteral("CREATE TABLE C ( name TEXT COLLATE NOCASE, n INTEGER )"));
+        const char* const names[] = {"Äpfel", "äpfel",  "ÄPFEL",  "Crème",
+                                     "CRÈME", "zucker", "Zucker", "Éclair"};
+        int n = 0;
+        for (const char* name : names)
+            m_db.exec(QStringLiteral("INSERT INTO C VALUES ( :name, :n )"),
+                      {{QStringLiteral("name"), QString::fromUtf8(name)}, {QStringLiteral("n"), ++n}});
+        const auto count = [this](const char* where) {
+            return m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM C WHERE ") + QString::fromUtf8(where))
+                .toInt();
+        };
+        QCOMPARE(count("name = 'äPfEl'"), 3);
+        QCOMPARE(count("name <> 'ÄPFEL'"), 5);
+        QCOMPARE(count("name IN ( 'crème', 'ÉCLAIR' )"), 3);
+        QCOMPARE(m_db.scalar(QStringLiteral("SELECT COUNT( DISTINCT name ) FROM C")).toInt(), 4);
+        QCOMPARE(m_db.select(QStringLiteral("SELECT name FROM C GROUP BY name")).rows.size(), 4);
+        // Sorting folds case for every letter: equal names stay together.
+        const qm::SqlRows sorted = m_db.select(QStringLiteral("SELECT name FROM C ORDER BY name, n"));
+        QStringList order;
+        for (const QVariantList& row : sorted.rows)
+            order << row.first().toString();
+        QCOMPARE(order,
+                 (QStringList{"Crème", "CRÈME", "zucker", "Zucker", "Äpfel", "äpfel", "ÄPFEL", "Éclair"}));
+        QVERIFY(qm::jetCompareNoCase(QStringLiteral("Ü"), QStringLiteral("ü")) == 0);
+        QVERIFY(qm::jetCompareNoCase(QStringLiteral("a"), QStringLiteral("B")) < 0);
     }
 
     void dateDiffAndChr() {
@@ -79,6 +142,10 @@ private slots:
                  QStringLiteral("a\r\nb"));
         QCOMPARE(m_db.scalar(QStringLiteral("SELECT CHR(233)")).toString(), QStringLiteral("é"));
         QCOMPARE(m_db.scalar(QStringLiteral("SELECT True + True + False")).toInt(), 2);
+        // Days beyond what a date can hold are an error, not an overflow.
+        for (const char* sql : {"SELECT DATEDIFF( 'n', 0, 1e300 )", "SELECT DATEDIFF( 'd', -9.2e18, 0 )",
+                                "SELECT CHR( 70000 )"})
+            QVERIFY_THROWS_EXCEPTION(qm::DbError, m_db.scalar(QString::fromLatin1(sql)));
     }
 
     void dayNumbers() {

@@ -91,6 +91,59 @@ private slots:
         QCOMPARE(sex, 1);
         QCOMPARE(height, 181.0f);
         QCOMPARE(birth, 30000.0);
+        // No row for the active user reads as a user of nothing.
+        store.holder().VintraOptions.SetAsInteger(QStringLiteral("ActiveUserId"), 77);
+        dm.GetUserData(sex, height, birth);
+        QCOMPARE(sex, 0);
+        QCOMPARE(height, 0.0f);
+        QCOMPARE(birth, 0.0);
+        // A key is a value, never statement text.
+        QCOMPARE(dm.GetNewId(QStringLiteral("it's")), 1);
+        QCOMPARE(dm.GetNewId(QStringLiteral("it's")), 2);
+        QCOMPARE(dm.GetNewId(QStringLiteral("x' OR keyId <> '")), 1);
+        QCOMPARE(dm.GetNewId(QStringLiteral("Recipes")), 3);
+        // Counters are found without case, as the rest of the text is.
+        QCOMPARE(dm.GetNewId(QStringLiteral("RECIPES")), 4);
+    }
+
+    void columnRules() {
+        TestStore store;
+        // Numbers beyond their column's width are refused with a message that names the column.
+        try {
+            store.exec({"INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 1, 'x', "
+                        "40000, 0 )"});
+            QFAIL("servings beyond 16 bits stored");
+        } catch (const qm::DbError& e) {
+            QVERIFY2(QString::fromUtf8(e.what()).contains("recServings must be a whole number from -32768 to "
+                                                          "32767"),
+                     e.what());
+        }
+        QVERIFY_THROWS_EXCEPTION(qm::DbError,
+                                 store.exec({"INSERT INTO Recipes ( recId, recName, recFreeForm ) VALUES ( "
+                                             "3000000000, 'x', 0 )"}));
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Recipes").toInt(), 0);
+        store.exec({"INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 1, 'Äpfel', "
+                    "-32768, 0 )"});
+        QCOMPARE(store.db().scalar("SELECT recId FROM Recipes WHERE recName = 'äPFEL'").toInt(), 1);
+
+        // A file made before the rules gets them on its next opening, rows and indexes kept.
+        const QString old =
+            QStringLiteral("CREATE TABLE Menus ( menuId INT NOT NULL PRIMARY KEY, menuName TEXT "
+                           "NOT NULL CHECK (length(menuName) <= 64), menuDesc TEXT, "
+                           "menuGroupId INTEGER )");
+        store.exec({"DROP TABLE Menus", old, "CREATE INDEX MenusByGroup ON Menus (menuGroupId)",
+                    "INSERT INTO Menus VALUES ( 5, 'Sonntag', NULL, 2 )"});
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Menus WHERE menuName = 'SONNTAG'").toInt(), 0);
+        QCOMPARE(qm::upgradeColumnRules(store.db()), 1);
+        QCOMPARE(qm::upgradeColumnRules(store.db()), 0); // once is enough
+        QCOMPARE(store.db().scalar("SELECT menuGroupId FROM Menus WHERE menuName = 'SONNTAG'").toInt(), 2);
+        QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM sqlite_master WHERE name = 'MenusByGroup'").toInt(),
+                 1);
+        QCOMPARE(store.db().scalar("PRAGMA integrity_check").toString(), QStringLiteral("ok"));
+        // Rows that break a rule keep their table as it was, and nothing else changes.
+        store.exec({"DROP TABLE Menus", old, "INSERT INTO Menus VALUES ( 5, 'x', NULL, 3000000000 )"});
+        QCOMPARE(qm::upgradeColumnRules(store.db()), 0);
+        QCOMPARE(store.db().scalar("SELECT menuGroupId FROM Menus").toLongLong(), 3000000000LL);
     }
 
     void ingredientInMenu() {
@@ -247,6 +300,19 @@ private slots:
             QVERIFY2(QString::fromUtf8(error.what()).startsWith("Cannot open the database: "), error.what());
         }
         QCOMPARE(fileHash(store.databaseFile()), before);
+        // A database without its version row is reported, not taken for version 0.
+        QFile::remove(store.databaseFile());
+        {
+            qm::Database db;
+            db.open(store.databaseFile());
+            qm::createSchema(db, QStringLiteral(QM_SOURCE_DATA "/schema.sql"));
+        }
+        try {
+            store.dataModule().DataModuleCreate();
+            QFAIL("a database without its version opened");
+        } catch (const qm::DbError& error) {
+            QVERIFY2(QString::fromUtf8(error.what()).contains("no version row"), error.what());
+        }
     }
 
     // Moving and clearing through the commands is the picture commands' test; here the numbering

@@ -6,8 +6,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QTextStream>
 
 namespace qm {
@@ -40,13 +38,10 @@ int loadSeedFile(Database& db, const QString& table, const QString& path) {
     const QStringList columns = in.readLine().split(QLatin1Char('\t'));
     QStringList marks;
     for (qsizetype i = 0; i < columns.size(); ++i)
-        marks << QStringLiteral("?");
+        marks << QStringLiteral(":c%1").arg(i);
     const QString insert =
         QStringLiteral("INSERT INTO %1 ( %2 ) VALUES ( %3 )")
             .arg(table, columns.join(QStringLiteral(", ")), marks.join(QStringLiteral(", ")));
-    QSqlQuery query(db.connection());
-    if (!query.prepare(insert))
-        throw DbError(query.lastError().text(), insert);
     int count = 0;
     int lineNumber = 1;
     while (!in.atEnd()) {
@@ -59,11 +54,16 @@ int loadSeedFile(Database& db, const QString& table, const QString& path) {
             throw DbError(
                 QStringLiteral("%1 fields where the header has %2").arg(fields.size()).arg(columns.size()),
                 QStringLiteral("%1:%2").arg(path).arg(lineNumber));
+        SqlParams values;
         for (qsizetype i = 0; i < fields.size(); ++i)
-            query.bindValue(int(i),
-                            fields.at(i).isEmpty() ? QVariant() : QVariant(unescapeSeedField(fields.at(i))));
-        if (!query.exec())
-            throw DbError(query.lastError().text(), QStringLiteral("%1:%2").arg(path).arg(lineNumber));
+            values.insert(QStringLiteral("c%1").arg(i),
+                          fields.at(i).isEmpty() ? QVariant() : QVariant(unescapeSeedField(fields.at(i))));
+        try {
+            db.exec(insert, values);
+        } catch (const DbError& error) {
+            throw DbError(QString::fromUtf8(error.what()).section(QLatin1Char('\n'), 0, 0),
+                          QStringLiteral("%1:%2").arg(path).arg(lineNumber));
+        }
         ++count;
     }
     return count;
