@@ -555,7 +555,7 @@ Cursor Database::runFormat(const char* pattern, const QVariantList& args, const 
         } else {
             // As the formatted text: a floating value is cut to its integer part.
             values << QVariant(arg.typeId() == QMetaType::Double || arg.typeId() == QMetaType::Float
-                                   ? qlonglong(arg.toDouble())
+                                   ? cutToInteger(arg.toDouble())
                                    : arg.toLongLong());
         }
     }

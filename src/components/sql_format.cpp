@@ -1,6 +1,18 @@
 #include "components/sql_format.h"
 
+#include <limits>
+
 namespace qm {
+
+qlonglong cutToInteger(double value) {
+    if (!(value == value))
+        return 0;
+    if (value >= 9223372036854775807.0)
+        return std::numeric_limits<qlonglong>::max();
+    if (value <= -9223372036854775808.0)
+        return std::numeric_limits<qlonglong>::min();
+    return qlonglong(value);
+}
 
 namespace {
 
@@ -13,7 +25,7 @@ QString formatOne(const QString& flags, int width, int precision, QChar conversi
     case 'i': {
         // A day number or any floating value is cut to its integer part, as the statements expect.
         const qlonglong value = arg.typeId() == QMetaType::Double || arg.typeId() == QMetaType::Float
-                                    ? qlonglong(arg.toDouble())
+                                    ? cutToInteger(arg.toDouble())
                                     : arg.toLongLong();
         return QString::asprintf((spec + "lld").constData(), value);
     }

@@ -12,6 +12,10 @@ namespace qm {
 QString format(const QString& pattern, std::initializer_list<QVariant> args);
 QString format(const QString& pattern, const QVariantList& args);
 
+/// A floating value cut to its integer part, as %d writes it; beyond 64 bits it stops at the
+/// nearest end, and NaN is 0.
+qlonglong cutToInteger(double value);
+
 /// Replaces every occurrence in place, as the in-house string helper does.
 void ReplaceSubstring(QString& text, const QString& what, const QString& with);
 

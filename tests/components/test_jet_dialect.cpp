@@ -162,6 +162,8 @@ private slots:
         QTest::addColumn<QString>("expected");
         QTest::newRow("d") << "id = %d" << QVariantList{42} << "id = 42";
         QTest::newRow("d truncates a day") << "%d" << QVariantList{37987.75} << "37987";
+        QTest::newRow("d stops at 64 bits") << "%d %d" << QVariantList{1e300, -1e300}
+                                            << "9223372036854775807 -9223372036854775808";
         QTest::newRow("f six decimals") << "%f" << QVariantList{2.5} << "2.500000";
         QTest::newRow("width precision") << "%4.02f" << QVariantList{3.1} << "3.10";
         QTest::newRow("s") << "FROM %s WHERE %s = %d" << QVariantList{"Ingreds", "ingredTypeId", 7}
