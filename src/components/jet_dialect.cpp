@@ -130,6 +130,7 @@ bool JetPattern::compile(const QString& pattern, QString& error) {
             tokens.push_back({Token::Literal, foldChar(c), 0});
         }
     }
+    split();
     return true;
 }
 
@@ -149,41 +150,105 @@ bool JetPattern::matchOne(const Token& token, char32_t c) const {
     return false;
 }
 
-// Greedy with one back-up point: every token but '*' takes exactly one character, so when a later
-// token fails only the last '*' needs to take one more; no recursion, at most text × pattern steps.
-bool JetPattern::match(const unsigned char* s, size_t n) const {
-    const size_t m = tokens.size();
-    constexpr size_t None = size_t(-1);
-    size_t p = 0, t = 0;
-    size_t starP = None, starT = 0;
-    for (;;) {
-        if (p < m && tokens[p].kind == Token::Star) {
-            starP = ++p;
-            starT = t;
-            if (p == m)
-                return true; // a trailing '*' takes the rest
-            continue;
+void JetPattern::split() {
+    segments.clear();
+    leadingStar = !tokens.empty() && tokens.front().kind == Token::Star;
+    trailingStar = !tokens.empty() && tokens.back().kind == Token::Star;
+    hasStar = false;
+    size_t first = 0;
+    for (size_t i = 0; i <= tokens.size(); ++i) {
+        if (i == tokens.size() || tokens[i].kind == Token::Star) {
+            if (i > first)
+                segments.push_back({first, i - first});
+            first = i + 1;
+            if (i < tokens.size())
+                hasStar = true;
         }
-        if (t >= n)
-            break;
-        size_t length = 1;
-        const char32_t c = decodeUtf8(s, n, t, length);
-        if (p < m && matchOne(tokens[p], c)) {
-            ++p;
-            t += length;
-            continue;
-        }
-        if (starP == None)
-            return false;
-        size_t skip = 1;
-        decodeUtf8(s, n, starT, skip);
-        starT += skip;
-        t = starT;
-        p = starP;
     }
-    while (p < m && tokens[p].kind == Token::Star)
-        ++p;
-    return p == m;
+}
+
+// The tokens of one segment against the text from `pos`; on success `end` is past the last
+// character taken.
+bool JetPattern::matchAt(const Segment& segment, const unsigned char* s, size_t n, size_t pos,
+                         size_t& end) const {
+    for (size_t k = 0; k < segment.count; ++k) {
+        if (pos >= n)
+            return false;
+        const Token& token = tokens[segment.first + k];
+        const unsigned char b = s[pos];
+        if (b < 0x80 && token.kind == Token::Literal) {
+            if (foldChar(b) != token.ch)
+                return false;
+            ++pos;
+            continue;
+        }
+        size_t length = 1;
+        const char32_t c = decodeUtf8(s, n, pos, length);
+        if (!matchOne(token, c))
+            return false;
+        pos += length;
+    }
+    end = pos;
+    return true;
+}
+
+// Every token but '*' takes exactly one character, so the pattern is fixed segments between stars:
+// the first is anchored at the start, the last at the end, and each one between is taken at its
+// leftmost place. No recursion and no back-tracking: at most text × pattern steps.
+bool JetPattern::match(const unsigned char* s, size_t n) const {
+    size_t end = 0;
+    if (!hasStar) {
+        if (segments.empty())
+            return n == 0;
+        return matchAt(segments.front(), s, n, 0, end) && end == n;
+    }
+    size_t pos = 0;
+    size_t from = 0;
+    size_t to = segments.size();
+    if (!leadingStar) {
+        if (!matchAt(segments.front(), s, n, 0, pos))
+            return false;
+        from = 1;
+    }
+    if (!trailingStar)
+        --to;
+    for (size_t i = from; i < to; ++i) {
+        const Segment& segment = segments[i];
+        const Token& head = tokens[segment.first];
+        const bool asciiHead = head.kind == Token::Literal && head.ch < 0x80;
+        bool found = false;
+        while (pos < n) {
+            const unsigned char b = s[pos];
+            // Quick skip of ASCII characters that can't start the segment.
+            if (asciiHead && b < 0x80 && foldChar(b) != head.ch) {
+                ++pos;
+                continue;
+            }
+            if (matchAt(segment, s, n, pos, end)) {
+                pos = end;
+                found = true;
+                break;
+            }
+            size_t length = 1;
+            decodeUtf8(s, n, pos, length);
+            pos += length;
+        }
+        if (!found)
+            return false;
+    }
+    if (trailingStar)
+        return true;
+    // The last segment ends the text: it starts as many characters before the end as it has tokens.
+    const Segment& last = segments.back();
+    size_t start = n;
+    for (size_t k = 0; k < last.count; ++k) {
+        if (start <= pos)
+            return false;
+        --start;
+        while (start > pos && (s[start] & 0xC0) == 0x80)
+            --start;
+    }
+    return matchAt(last, s, n, start, end) && end == n;
 }
 
 bool JetPattern::match(const QString& text) const {

@@ -44,9 +44,18 @@ private:
         std::vector<Range> ranges;
         bool contains(char32_t c, char32_t folded) const;
     };
+    struct Segment {
+        size_t first, count; ///< tokens between two stars
+    };
+    void split();
     bool matchOne(const Token& token, char32_t c) const;
+    bool matchAt(const Segment& segment, const unsigned char* s, size_t n, size_t pos, size_t& end) const;
     std::vector<Token> tokens;
     std::vector<Class> classes;
+    std::vector<Segment> segments;
+    bool leadingStar = false;
+    bool trailingStar = false;
+    bool hasStar = false;
 };
 
 /// Jet-style LIKE: '*' any run, '?' one character, '#' one digit, [abc], [a-z], [!abc];

@@ -77,7 +77,7 @@ QString rangeCheck(const QString& column, const char* low, const char* high) {
 
 QString definitionWithRules(const QString& definition) {
     const QString trimmed = definition.trimmed();
-    const QStringList words = trimmed.split(QRegularExpression(QStringLiteral("\\s+")));
+    const QStringList words = trimmed.simplified().split(QLatin1Char(' '));
     if (words.size() < 2)
         return definition;
     static const QStringList tableConstraints = {QStringLiteral("PRIMARY"), QStringLiteral("UNIQUE"),

@@ -7,6 +7,41 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+namespace {
+
+// Deliberately simple: one character class at a time, recursion on '*'.
+bool referenceLike(const QString& p, int i, const QString& t, int j) {
+    if (i == p.size())
+        return j == t.size();
+    if (p.at(i) == QLatin1Char('*'))
+        return referenceLike(p, i + 1, t, j) || (j < t.size() && referenceLike(p, i, t, j + 1));
+    if (p.mid(i, 2) == QLatin1String("[]"))
+        return referenceLike(p, i + 2, t, j);
+    if (j == t.size())
+        return false;
+    const QChar c = t.at(j).toCaseFolded();
+    int width = 1;
+    bool hit = false;
+    if (p.at(i) == QLatin1Char('?')) {
+        hit = true;
+    } else if (p.at(i) == QLatin1Char('#')) {
+        hit = t.at(j) >= QLatin1Char('0') && t.at(j) <= QLatin1Char('9');
+    } else if (p.at(i) == QLatin1Char('[')) {
+        const int close = int(p.indexOf(QLatin1Char(']'), i));
+        QString members = p.mid(i + 1, close - i - 1);
+        const bool negate = members.startsWith(QLatin1Char('!'));
+        if (negate)
+            members.remove(0, 1);
+        hit = members.toCaseFolded().contains(c) != negate;
+        width = close - i + 1;
+    } else {
+        hit = p.at(i).toCaseFolded() == c;
+    }
+    return hit && referenceLike(p, i + width, t, j + 1);
+}
+
+} // namespace
+
 class TestJetDialect : public QObject {
     Q_OBJECT
     QTemporaryDir m_dir;
@@ -76,6 +111,26 @@ private slots:
         const QVariant engine = m_db.scalar(QStringLiteral("SELECT :t LIKE :p"),
                                             {{QStringLiteral("t"), text}, {QStringLiteral("p"), pattern}});
         QCOMPARE(engine.toInt(), matches ? 1 : 0);
+    }
+
+    // The linear matcher against a plain recursive reading of the same rules, on many small cases.
+    void likeAgreesWithReference() {
+        const QStringList pieces = {"a", "B", "*", "?", "#", "[ab]", "[!a]", "1", "ä", "[]"};
+        const QStringList letters = {"a", "b", "A", "1", "Ä", "x"};
+        quint32 seed = 12345;
+        const auto next = [&seed](int bound) {
+            seed = seed * 1103515245u + 12345u;
+            return int((seed >> 16) % quint32(bound));
+        };
+        for (int round = 0; round < 4000; ++round) {
+            QString pattern, text;
+            for (int i = next(6); i > 0; --i)
+                pattern += pieces.at(next(int(pieces.size())));
+            for (int i = next(8); i > 0; --i)
+                text += letters.at(next(int(letters.size())));
+            QVERIFY2(qm::jetLike(pattern, text) == referenceLike(pattern, 0, text, 0),
+                     qPrintable(pattern + QStringLiteral(" / ") + text));
+        }
     }
 
     void likeErrorsAndScale() {
@@ -162,8 +217,8 @@ private slots:
         QTest::addColumn<QString>("expected");
         QTest::newRow("d") << "id = %d" << QVariantList{42} << "id = 42";
         QTest::newRow("d truncates a day") << "%d" << QVariantList{37987.75} << "37987";
-        QTest::newRow("d stops at 64 bits") << "%d %d" << QVariantList{1e300, -1e300}
-                                            << "9223372036854775807 -9223372036854775808";
+        QTest::newRow("d stops at 64 bits")
+            << "%d %d" << QVariantList{1e300, -1e300} << "9223372036854775807 -9223372036854775808";
         QTest::newRow("f six decimals") << "%f" << QVariantList{2.5} << "2.500000";
         QTest::newRow("width precision") << "%4.02f" << QVariantList{3.1} << "3.10";
         QTest::newRow("s") << "FROM %s WHERE %s = %d" << QVariantList{"Ingreds", "ingredTypeId", 7}
