@@ -118,11 +118,20 @@ int Recalc(Context& c, const QStringList& args) {
 }
 
 int ImportPriceListCommand(Context& c, const QStringList& args) {
-    if (args.size() != 1) {
-        c.err << "usage: quillmeal-cli import-price-list FILE\n";
+    const bool progress = args.size() == 2 && args.at(1) == QLatin1String("--progress");
+    if (args.size() != 1 && !progress) {
+        c.err << "usage: quillmeal-cli import-price-list FILE [--progress]\n";
         return 2;
     }
-    const TPriceListResult result = ImportPriceList(DataModuleMain->KADaoDatabase, args.first());
+    // With --progress each applied id is written the moment its statement has returned, so a
+    // reader knows what is in the database even if the command is killed.
+    std::function<void(int)> report;
+    if (progress)
+        report = [&c](int id) {
+            c.out << "applied " << id << '\n';
+            c.out.flush();
+        };
+    const TPriceListResult result = ImportPriceList(DataModuleMain->KADaoDatabase, args.first(), report);
     c.out << result.applied << '\n';
     if (!result.error.isEmpty()) {
         c.err << args.first() << ": " << result.error << '\n';

@@ -22,7 +22,7 @@ const char* const Usage =
     "  ingredient-for-date INGREDID FROM TO   the same over calendar days (yyyy-mm-dd)\n"
     "  options                                name, type, default and value of every option\n"
     "  recalc RECID                           recalculate a recipe's nutrients and print them\n"
-    "  import-price-list FILE                 set ingredient prices from an XML price list\n"
+    "  import-price-list FILE [--progress]    set ingredient prices from an XML price list\n"
     "  search-recipes [OPTIONS]               the recipe search (options: see the README)\n"
     "  search-ingredients [OPTIONS]           the ingredient search\n";
 

@@ -22,7 +22,8 @@ bool readPrice(const QString& text, double& price) {
 
 } // namespace
 
-TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName) {
+TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName,
+                                 const std::function<void(int ingredId)>& applied) {
     TPriceListResult result;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -53,8 +54,11 @@ TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName) {
             continue;
         db.exec(QString::fromLatin1(PriceListSql::UpdatePrice),
                 {{QStringLiteral("ingredPrice"), price}, {QStringLiteral("ingredId"), id}});
-        if (db.changes() > 0) // an unknown id updates nothing
+        if (db.changes() > 0) { // an unknown id updates nothing
             ++result.applied;
+            if (applied)
+                applied(id);
+        }
     }
     if (xml.hasError())
         result.error = QStringLiteral("%1 (line %2)").arg(xml.errorString()).arg(xml.lineNumber());
