@@ -1045,7 +1045,9 @@ void TFormMain::ToggleOff(TChildRoute& route) {
 void TFormMain::PlaceNewChild(QMdiSubWindow* sub) {
     if (!sub || sub->isMaximized() || sub->isMinimized())
         return;
-    QRect geometry = sub->geometry();
+    // The stored place is brought into the client as it is without scroll bars.
+    const QSize client = m_mdiArea->maximumViewportSize();
+    QRect geometry = qm::ClampToClient(sub->geometry(), client);
     const QList<QMdiSubWindow*> others = m_mdiArea->subWindowList(QMdiArea::CreationOrder);
     const auto takenCorner = [&](const QPoint& corner) {
         return std::any_of(others.begin(), others.end(), [&](const QMdiSubWindow* other) {
@@ -1054,7 +1056,9 @@ void TFormMain::PlaceNewChild(QMdiSubWindow* sub) {
         });
     };
     // A window that would open right over another goes one title bar down and right from the
-    // one opened last, and on from there while that place is taken too.
+    // one opened last, and on from there while that place is taken too. It gives up size rather
+    // than its place; where its minimum doesn't let it, it reaches past the client, under the
+    // scroll bars, as a cascade does.
     if (takenCorner(geometry.topLeft())) {
         QMdiSubWindow* last = nullptr;
         for (QMdiSubWindow* other : others)
@@ -1062,12 +1066,17 @@ void TFormMain::PlaceNewChild(QMdiSubWindow* sub) {
                 last = other;
         const int step = std::max(16, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, sub));
         QPoint corner = last->pos();
-        for (int tries = 0; tries < others.size() && takenCorner(corner); ++tries)
+        for (qsizetype tries = 0; tries <= others.size() && (tries == 0 || takenCorner(corner)); ++tries) {
             corner += QPoint(step, step);
-        geometry.moveTopLeft(corner);
+            // Where less than half of it would fit, the cascade starts again at the top.
+            if (corner.x() + geometry.width() / 2 > client.width() ||
+                corner.y() + geometry.height() / 2 > client.height())
+                corner = QPoint(0, 0);
+        }
+        const QSize room(client.width() - corner.x(), client.height() - corner.y());
+        geometry = QRect(corner, geometry.size().boundedTo(room).expandedTo(sub->minimumSize()));
     }
-    // The client as it is without scroll bars: a stored size that calls them up goes back into it.
-    sub->setGeometry(qm::ClampToClient(geometry, m_mdiArea->maximumViewportSize()));
+    sub->setGeometry(geometry);
 }
 
 void TFormMain::ShowChild(QWidget* form) {

@@ -397,6 +397,23 @@ QHash<QString, Drawing> drawings() {
         head << QPointF(22, 20) << QPointF(31, 25.5) << QPointF(22, 31);
         p.drawPolygon(head);
     };
+    d[QStringLiteral("extension")] = [](QPainter& p) {
+        p.setPen(pen(ink, 2.4));
+        p.setBrush(Qt::NoBrush);
+        for (qreal x : {8.0, 17.0}) {
+            QPolygonF chevron;
+            chevron << QPointF(x, 9) << QPointF(x + 7, 16) << QPointF(x, 23);
+            p.drawPolyline(chevron);
+        }
+    };
+    d[QStringLiteral("clear")] = [](QPainter& p) {
+        p.setPen(Qt::NoPen);
+        p.setBrush(grey);
+        p.drawEllipse(QPointF(16, 16), 12, 12);
+        p.setPen(pen(Qt::white, 2.6));
+        p.drawLine(QPointF(11, 11), QPointF(21, 21));
+        p.drawLine(QPointF(21, 11), QPointF(11, 21));
+    };
     d[QStringLiteral("shortcutRecipes")] = [d](QPainter& p) {
         d.value(QStringLiteral("recipes"))(p);
         p.setPen(Qt::NoPen);
@@ -511,6 +528,16 @@ QIcon TFrameStyle::standardIcon(StandardPixmap icon, const QStyleOption* option,
         {SP_MediaSkipBackward, "first"},
         {SP_MediaSkipForward, "last"},
         {SP_BrowserReload, "refresh"},
+        {SP_DialogOkButton, "post"},
+        {SP_DialogYesButton, "post"},
+        {SP_DialogNoButton, "cancel"},
+        {SP_DialogCloseButton, "cancel"},
+        {SP_DialogDiscardButton, "cancel"},
+        // Asked for by every tool bar and the quick search box at start-up; the style's own
+        // pictures would load the image plugins for nothing.
+        {SP_ToolBarHorizontalExtensionButton, "extension"},
+        {SP_ToolBarVerticalExtensionButton, "extension"},
+        {SP_LineEditClearButton, "clear"},
     };
     if (const char* name = drawn.value(icon))
         return FrameIcon(QLatin1String(name));

@@ -10,8 +10,8 @@ namespace qm {
 /// icon theme. Names: recipes, ingredients, menus, calendar, units, categories, cookingTips,
 /// users, diary, diets, options, systemInfo, print, cut, copy, paste, first, prior, next, last,
 /// insert, delete, edit, post, cancel, refresh, recalculate, import, export, mail, priceList,
-/// find, findNext, shortcutRecipes, shortcutIngredients. An unknown name gives a null icon.
-/// The same name gives the same icon for the whole run, and each size is drawn once.
+/// find, findNext, shortcutRecipes, shortcutIngredients, extension, clear. An unknown name gives
+/// a null icon. The same name gives the same icon for the whole run, and each size is drawn once.
 QIcon FrameIcon(const QString& name);
 
 /// The disabled look of a picture: grey and faded.

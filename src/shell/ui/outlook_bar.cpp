@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QListWidget>
 #include <QPainter>
+#include <QStyleOptionToolBox>
 #include <QStyledItemDelegate>
 #include <QTextLayout>
+#include <cmath>
 
 namespace {
 
@@ -143,13 +145,23 @@ QListWidgetItem* TOutlookBar::AddItem(int page, const QString& caption, const QI
     return new BarItem(icon, caption, Page(page));
 }
 
+int TOutlookBar::PageLabelMargin() const {
+    // What the style keeps of a page button for the tab's shape, plus the label's own margins
+    // (4 and 8 pixels in the common style).
+    QStyleOptionToolBox option;
+    option.initFrom(this);
+    option.rect = QRect(0, 0, 1000, 24);
+    return option.rect.width() -
+           style()->subElementRect(QStyle::SE_ToolBoxTabContents, &option, this).width() + 12;
+}
+
 void TOutlookBar::FitPageCaptions() {
-    // A page button's label loses 12 pixels to its margins in the common style; the bar is made
-    // wide enough for the widest caption, so that no page name is cut.
-    int widest = 0;
+    // The bar is made wide enough for the widest caption, so that no page name is cut.
+    // Measured exactly, as the style does when it elides.
+    qreal widest = 0;
     for (int page = 0; page < count(); ++page)
-        widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(page)));
-    setMinimumWidth(widest + 12 + 2 * frameWidth() + 8);
+        widest = std::max(widest, QFontMetricsF(font()).horizontalAdvance(itemText(page)));
+    setMinimumWidth(int(std::ceil(widest)) + 1 + PageLabelMargin() + 2 * frameWidth());
 }
 
 void TOutlookBar::ClearPage(int page) {

@@ -20,6 +20,8 @@ public:
     void SetPageCaption(int page, const QString& caption) { setItemText(page, caption); }
     /// Widens the bar's minimum to the widest page caption (after a translation).
     void FitPageCaptions();
+    /// The part of a page button's width that its caption can't use.
+    int PageLabelMargin() const;
     /// A caption broken into at most `maxLines` lines of `width` pixels, the last one elided.
     static QStringList CaptionLines(const QString& caption, const QFont& font, int width, int maxLines);
 

@@ -61,11 +61,11 @@ private slots:
         QApplication::processEvents();
         const QList<QAbstractButton*> buttons = bar->findChildren<QAbstractButton*>();
         QCOMPARE(buttons.size(), bar->PageCount());
-        for (const QAbstractButton* button : buttons) {
-            // The common style takes 12 pixels of the button for the label's margins.
-            QVERIFY2(button->width() >= button->fontMetrics().horizontalAdvance(button->text()) + 12,
-                     qPrintable(button->text()));
-        }
+        // The style elides each caption to the room its button leaves for the label.
+        for (const QAbstractButton* button : buttons)
+            QCOMPARE(button->fontMetrics().elidedText(button->text(), Qt::ElideRight,
+                                                      button->width() - bar->PageLabelMargin()),
+                     button->text());
     }
 
     void theAboutWindowShowsTheVersion() {

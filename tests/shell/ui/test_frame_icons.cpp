@@ -61,6 +61,11 @@ private slots:
                  qm::FrameIcon(QStringLiteral("delete")).cacheKey());
         QCOMPARE(style.standardIcon(QStyle::SP_ArrowRight).cacheKey(),
                  qm::FrameIcon(QStringLiteral("next")).cacheKey());
+        // Those of every tool bar and edit at start-up are drawn too, so that no image plugin loads.
+        QCOMPARE(style.standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton).cacheKey(),
+                 qm::FrameIcon(QStringLiteral("extension")).cacheKey());
+        QCOMPARE(style.standardIcon(QStyle::SP_LineEditClearButton).cacheKey(),
+                 qm::FrameIcon(QStringLiteral("clear")).cacheKey());
         QVERIFY(!style.standardIcon(QStyle::SP_MessageBoxQuestion).isNull()); // the rest: the base style
     }
 };

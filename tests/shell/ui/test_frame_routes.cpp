@@ -81,19 +81,20 @@ private:
 class TPlacedChild : public TTestChild {
 public:
     TPlacedChild(Journal& journal, const QString& title, const QRect& stored, const QSize& minimum)
-        : TTestChild(journal, title, 1, true), m_stored(stored) {
-        setMinimumSize(minimum);
-    }
+        : TTestChild(journal, title, 1, true), m_stored(stored), m_minimum(minimum) {}
 
 protected:
     void showEvent(QShowEvent* event) override {
         TTestChild::showEvent(event);
-        if (parentWidget())
+        if (parentWidget()) {
+            parentWidget()->setMinimumSize(m_minimum);
             parentWidget()->setGeometry(m_stored);
+        }
     }
 
 private:
     QRect m_stored;
+    QSize m_minimum;
 };
 
 /// A grid that tells the frame which dataset it shows.
@@ -424,10 +425,12 @@ private slots:
     void childrenStayInsideTheFrame() {
         TFormMain& form = frame();
         QMap<QString, QRect> stored;
+        QMap<QString, QSize> minimum;
         for (const char* route : {"Recipes", "Ingredients", "Menus", "Calendar", "Units"}) {
             const QString name = QLatin1String(route);
-            form.RegisterChild(name, [this, name, &stored](const TChildRequest&) {
-                return new TPlacedChild(m_journal, name, stored.value(name), QSize(120, 90));
+            form.RegisterChild(name, [this, name, &stored, &minimum](const TChildRequest&) {
+                return new TPlacedChild(m_journal, name, stored.value(name),
+                                        minimum.value(name, QSize(120, 90)));
             });
         }
         stored[QStringLiteral("Recipes")] = QRect(0, 0, 300, 200);
@@ -451,10 +454,26 @@ private slots:
         form.Toggle(QStringLiteral("Calendar"), true);
         QVERIFY(client.contains(sub("Calendar")->geometry()));
         QCOMPARE(sub("Calendar")->size(), QSize(320, 210));
+        // Brought into the client it would lie over the first: it is cascaded and gives up size.
         form.Toggle(QStringLiteral("Units"), true);
-        QCOMPARE(sub("Units")->geometry(), client);
+        QCOMPARE(sub("Units")->geometry(), QRect(3 * step, client.bottomRight()));
+
+        // Children as large as the client can't give up size: they still don't open over another.
+        form.Toggle(QStringLiteral("Menus"), false);
+        form.Toggle(QStringLiteral("Calendar"), false);
+        form.Toggle(QStringLiteral("Units"), false);
+        form.Toggle(QStringLiteral("Ingredients"), false);
+        stored[QStringLiteral("Menus")] = QRect(QPoint(0, 0), client.size());
+        minimum[QStringLiteral("Menus")] = client.size();
+        sub("Recipes")->setGeometry(QRect(QPoint(0, 0), client.size()));
+        form.Toggle(QStringLiteral("Menus"), true);
+        QCOMPARE(sub("Menus")->pos(), step);
+        QCOMPARE(sub("Menus")->size(), client.size());
 
         // Children whose minimum is larger than a tile: the frame keeps its size.
+        form.Toggle(QStringLiteral("Ingredients"), true);
+        form.Toggle(QStringLiteral("Calendar"), true);
+        form.Toggle(QStringLiteral("Units"), true);
         for (const char* route : {"Recipes", "Ingredients", "Menus", "Calendar", "Units"})
             sub(route)->setMinimumSize(500, 400);
         const QRect frameGeometry = form.geometry();
