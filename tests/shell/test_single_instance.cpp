@@ -2,6 +2,7 @@
 // two starts at the same moment exactly one runs.
 #include "shell/single_instance.h"
 
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QProcess>
 #include <QSignalSpy>
@@ -11,16 +12,19 @@
 class TestSingleInstance : public QObject {
     Q_OBJECT
 
-    static QString uniqueName(const char* what) {
-        return QStringLiteral("quillmeal-%1-%2-%3")
+    /// Names of this test program: stable from run to run, so that what a killed instance
+    /// leaves behind is met again (and cleaned) by the next run instead of piling up.
+    static QString testName(const char* what) {
+        const QByteArray program = QCoreApplication::applicationFilePath().toUtf8();
+        return QStringLiteral("quillmeal-test-%1-%2")
             .arg(QLatin1String(what))
-            .arg(QCoreApplication::applicationPid())
-            .arg(QDateTime::currentMSecsSinceEpoch());
+            .arg(QString::fromLatin1(
+                QCryptographicHash::hash(program, QCryptographicHash::Sha1).toHex().left(8)));
     }
 
 private slots:
     void secondStartHandsOver() {
-        const QString name = uniqueName("handover");
+        const QString name = testName("handover");
         TVintraSingleInstance first(name);
         QVERIFY(first.Claim());
         QVERIFY(first.Claim()); // asking again changes nothing
@@ -50,7 +54,7 @@ private slots:
     }
 
     void firstGoneLeavesTheNameFree() {
-        const QString name = uniqueName("gone");
+        const QString name = testName("gone");
         {
             TVintraSingleInstance first(name);
             QVERIFY(first.Claim());
@@ -66,9 +70,10 @@ private slots:
 
     // Two processes start at the same moment, thirty times: exactly one stays, the other hands
     // its parameters over and ends. Every other first instance is killed, so that the next try
-    // also meets the block and semaphores that a killed instance leaves behind.
+    // also meets the block and semaphores that a killed instance leaves behind; the last one
+    // ends cleanly.
     void twoStartsAtOnceLeaveExactlyOne() {
-        const QString name = uniqueName("race");
+        const QString name = testName("race");
         for (int attempt = 0; attempt < 30; ++attempt) {
             const QString at = QString::number(QDateTime::currentMSecsSinceEpoch() + 400);
             std::unique_ptr<QProcess> processes[2];
@@ -103,7 +108,7 @@ private slots:
                 output += first->readAll();
             QVERIFY2(output.startsWith("received 1\nfrom-" + QByteArray::number(attempt)),
                      output.constData());
-            if (attempt % 2) {
+            if (attempt % 2 == 0) {
                 first->kill();
             } else {
                 first->write("quit\n");
