@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <QString>
 
 class QObject;
@@ -55,3 +56,12 @@ public:
 
 /// The frame of the process; nullptr until it is created (and in tests without one).
 extern TMdiFrame* MdiFrame;
+
+namespace qm {
+
+/// A child's geometry moved, and shrunk where it is larger, so that it lies inside a client area
+/// of the given size: a window stored partly outside (after a Tile in a larger frame, or on a
+/// larger screen) comes back whole. The widget's minimum size still applies when it is set.
+QRect ClampToClient(const QRect& geometry, const QSize& client);
+
+} // namespace qm

@@ -1,42 +1,24 @@
 // Process entry of the window program.
-#include "components/database.h"
 #include "shell/app_paths.h"
 #include "shell/single_instance.h"
 #include "shell/ui/form_about.h"
 #include "shell/ui/form_main.h"
+#include "shell/ui/frame_icons.h"
 #include "shell/ui/message_box_presenter.h"
+#include "shell/ui/start_up.h"
 #include "shell/ui/window_registry.h"
 
-#include <QApplication>
 #include <QFileInfo>
 #include <QSplashScreen>
 #include <QThread>
 #include <QTimer>
-#include <exception>
-
-namespace {
-
-/// Exceptions that reach the event loop go to the exception dialog, and the program goes on.
-class TApplication : public QApplication {
-public:
-    using QApplication::QApplication;
-    bool notify(QObject* receiver, QEvent* event) override {
-        try {
-            return QApplication::notify(receiver, event);
-        } catch (const std::exception& e) {
-            ShowExceptionDialog(QString::fromUtf8(e.what()));
-        }
-        return false;
-    }
-};
-
-} // namespace
 
 int main(int argc, char** argv) {
     TApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Orvane Team"));
     QCoreApplication::setApplicationName(QStringLiteral("Quillmeal"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillmeal Plus"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QM_VERSION));
+    // No display name: the window system would add it to the frame's title a second time.
 
     QStringList args = app.arguments();
     const QString executable = QFileInfo(args.takeFirst()).fileName();
@@ -55,6 +37,7 @@ int main(int argc, char** argv) {
         ShowExceptionDialog(error);
         return 1;
     }
+    QApplication::setStyle(new qm::TFrameStyle);
 
     QSplashScreen splash(splashPicture());
     splash.show();
@@ -63,22 +46,19 @@ int main(int argc, char** argv) {
 
     TFormMain form(paths);
     RegisterWindows(form);
-    try {
-        if (!form.FormCreate()) {
-            if (!form.DatabaseDeclined()) {
-                // A database newer than this build: the frame waits here for good, as it always
-                // has, but without burning the processor.
-                splash.close();
-                for (;;)
-                    QThread::sleep(3600);
-            }
-        }
-    } catch (const std::exception& e) {
-        splash.close();
-        ShowExceptionDialog(QString::fromUtf8(e.what()));
+    switch (StartFrame(form)) {
+    case TStartResult::Run:
+        return app.exec();
+    case TStartResult::Declined:
+        return 0;
+    case TStartResult::Failed:
         return 1;
+    case TStartResult::Incompatible:
+        break;
     }
-    form.show();
-    form.FormShow();
-    return app.exec();
+    // A database newer than this build: the frame waits here for good, as it always has, but
+    // without burning the processor.
+    splash.close();
+    for (;;)
+        QThread::sleep(3600);
 }

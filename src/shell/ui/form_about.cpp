@@ -52,6 +52,12 @@ TFormAbout::TFormAbout(QWidget* parent) : QDialog(parent) {
     image->setObjectName(QStringLiteral("ImageSplash"));
     image->setPixmap(splashPicture());
     layout->addWidget(image);
+    auto* version = new QLabel(this);
+    version->setObjectName(QStringLiteral("LabelVersion"));
+    version->setProperty("vintraSkip", true); // a number, not a text of the language file
+    version->setAlignment(Qt::AlignHCenter);
+    version->setText(QStringLiteral("Quillmeal Plus %1").arg(QStringLiteral(QM_VERSION)));
+    layout->addWidget(version);
     auto* credit = new QLabel(this);
     credit->setObjectName(QStringLiteral("LabelDataSource"));
     credit->setWordWrap(true);

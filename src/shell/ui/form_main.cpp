@@ -20,6 +20,7 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFile>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -29,6 +30,7 @@
 #include <QPlainTextEdit>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTextEdit>
 #include <QToolBar>
 #include <QToolButton>
@@ -178,6 +180,10 @@ TFormMain::TFormMain(const TAppPaths& paths, QWidget* parent)
 
     m_mdiArea = new TMdiClient(this);
     m_mdiArea->setObjectName(QStringLiteral("MDIClient"));
+    // With scroll bars, Tile lets children that can't shrink further reach past the client area
+    // instead of growing the frame past the screen.
+    m_mdiArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_outlookBar = new TOutlookBar(this);
     m_outlookBar->setObjectName(QStringLiteral("OutlookBarMain"));
     // The translator doesn't reach the bar; AfterTranslate does.
@@ -214,9 +220,12 @@ TFormMain::TFormMain(const TAppPaths& paths, QWidget* parent)
     connect(qApp, &QApplication::focusChanged, this, &TFormMain::FocusChanged);
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, &TFormMain::UpdateEditActions);
     UpdateEditActions();
+    // The frame's shortcuts win over the keys that edits keep for themselves.
+    qApp->installEventFilter(this);
 }
 
 TFormMain::~TFormMain() {
+    qApp->removeEventFilter(this);
     disconnect(qApp, nullptr, this, nullptr);
     disconnect(QGuiApplication::clipboard(), nullptr, this, nullptr);
     disconnect(m_mdiArea, nullptr, this, nullptr);
@@ -226,7 +235,8 @@ TFormMain::~TFormMain() {
     for (TChildRoute& route : m_routes)
         if (route.Kind == TRouteKind::Modeless)
             delete route.Window.data();
-    SetMessagePresenter(nullptr);
+    if (m_presenter && MessagePresenter() == m_presenter.get())
+        SetMessagePresenter(nullptr);
     if (MdiFrame == this)
         MdiFrame = nullptr;
     m_dataModule.reset();
@@ -275,10 +285,7 @@ void TFormMain::BuildActions() {
     action("MIPaste", tr("&Paste"), "paste", QKeySequence(Qt::CTRL | Qt::Key_V));
     action("MIFind", tr("&Find"), "find", QKeySequence(Qt::CTRL | Qt::Key_F))->setEnabled(false);
     action("MIFindNext", tr("Find &Next"), "findNext", QKeySequence(Qt::Key_F3))->setEnabled(false);
-    connect(Item("MIFind"), &QAction::triggered, this, [this] {
-        if (TChildCommands* child = ActiveCommands())
-            child->Find(0);
-    });
+    connect(Item("MIFind"), &QAction::triggered, this, &TFormMain::MIFindClick);
     connect(Item("MIFindNext"), &QAction::triggered, this, [this] {
         if (TChildCommands* child = ActiveCommands())
             child->Find(1);
@@ -613,9 +620,11 @@ bool TFormMain::FormCreate() {
     m_holder = std::make_unique<TFormResourceHolder>();
     FormResourceHolder = m_holder.get();
     m_holder->Create(m_paths.OptionsFile, m_paths.ExecutablePath, m_paths.DataRootPath);
+    // The message boxes, unless a presenter is in place already (a test's script).
     m_presenter = std::make_unique<TMessageBoxPresenter>();
     m_presenter->SetParent(this);
-    SetMessagePresenter(m_presenter.get());
+    if (!MessagePresenter())
+        SetMessagePresenter(m_presenter.get());
     // 4. The user commands and their tool bar.
     for (const char* name : {"MIUsersManagement", "MIUsersDiary", "MIDiets"})
         Item(name)->setVisible(true);
@@ -623,13 +632,20 @@ bool TFormMain::FormCreate() {
     // 6. The data module opens and updates the database.
     m_dataModule = std::make_unique<TDataModuleMain>();
     DataModuleMain = m_dataModule.get();
-    m_dataModule->OnTerminate = [] {
-        QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    // A refused update at start-up ends the process before the frame shows (see StartFrame); a
+    // later one closes the frame without its question.
+    m_dataModule->OnTerminate = [this] {
+        if (isVisible()) {
+            closeWithoutConfirmation = true;
+            QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+        }
     };
     m_dataModule->DataModuleCreate();
-    // 7. The dictionary once more, as the frame sets it for itself, and the help file.
+    // 7. The dictionary once more, as the frame sets it for itself, and the help file. The holder
+    // has read that very file already: the same name is not read twice.
     const QString language = options().GetAsString(QStringLiteral("Language"));
-    m_holder->VintraDictionary.SetFileName(m_holder->LanguageFile(language));
+    if (m_holder->VintraDictionary.FileName() != m_holder->LanguageFile(language))
+        m_holder->VintraDictionary.SetFileName(m_holder->LanguageFile(language));
     HelpFile = m_holder->ExecutablePath + QStringLiteral("Help/") + language + QStringLiteral(".chm");
     return m_dataModule->initialised;
 }
@@ -844,6 +860,7 @@ void TFormMain::TranslateOutlookBar() {
                 page, item,
                 dictionary->GetText(pageKey + QLatin1Char('.') + QString::number(item), QString()));
     }
+    m_outlookBar->FitPageCaptions();
 }
 
 // --- routes ---
@@ -971,6 +988,7 @@ void TFormMain::ToggleOn(TChildRoute& route) {
         DestroyChild(old);
     }
     const TChildRoute* test = route.CreationTestRoute.isEmpty() ? &route : FindRoute(route.CreationTestRoute);
+    bool created = false;
     if (!test->Window) {
         QWidget* form = route.Factory(TChildRequest{route.PendingDefinition, PendingShortcutName});
         if (!form)
@@ -989,11 +1007,15 @@ void TFormMain::ToggleOn(TChildRoute& route) {
         m_windowForms << form;
         route.Window = form;
         route.WindowDefinition = route.PendingDefinition;
+        created = true;
     }
     if (!route.Window)
         throw std::runtime_error("Access violation: the " + route.Name.toStdString() +
                                  " window does not exist");
     ShowChild(route.Window);
+    // The window has restored its stored place while it was shown.
+    if (created)
+        PlaceNewChild(qobject_cast<QMdiSubWindow*>(route.Window->parentWidget()));
     CheckWindowEntry(route.Window);
 }
 
@@ -1018,6 +1040,43 @@ void TFormMain::ToggleOff(TChildRoute& route) {
     route.Window = nullptr;
     DestroyChild(form);
     UpdatePrintAction();
+}
+
+void TFormMain::PlaceNewChild(QMdiSubWindow* sub) {
+    if (!sub || sub->isMaximized() || sub->isMinimized())
+        return;
+    // The stored place is brought into the client as it is without scroll bars.
+    const QSize client = m_mdiArea->maximumViewportSize();
+    QRect geometry = qm::ClampToClient(sub->geometry(), client);
+    const QList<QMdiSubWindow*> others = m_mdiArea->subWindowList(QMdiArea::CreationOrder);
+    const auto takenCorner = [&](const QPoint& corner) {
+        return std::any_of(others.begin(), others.end(), [&](const QMdiSubWindow* other) {
+            return other != sub && other->isVisible() && !other->isMaximized() &&
+                   (other->pos() - corner).manhattanLength() < 4;
+        });
+    };
+    // A window that would open right over another goes one title bar down and right from the
+    // one opened last, and on from there while that place is taken too. It gives up size rather
+    // than its place; where its minimum doesn't let it, it reaches past the client, under the
+    // scroll bars, as a cascade does.
+    if (takenCorner(geometry.topLeft())) {
+        QMdiSubWindow* last = nullptr;
+        for (QMdiSubWindow* other : others)
+            if (other != sub && other->isVisible() && !other->isMaximized())
+                last = other;
+        const int step = std::max(16, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, sub));
+        QPoint corner = last->pos();
+        for (qsizetype tries = 0; tries <= others.size() && (tries == 0 || takenCorner(corner)); ++tries) {
+            corner += QPoint(step, step);
+            // Where less than half of it would fit, the cascade starts again at the top.
+            if (corner.x() + geometry.width() / 2 > client.width() ||
+                corner.y() + geometry.height() / 2 > client.height())
+                corner = QPoint(0, 0);
+        }
+        const QSize room(client.width() - corner.x(), client.height() - corner.y());
+        geometry = QRect(corner, geometry.size().boundedTo(room).expandedTo(sub->minimumSize()));
+    }
+    sub->setGeometry(geometry);
 }
 
 void TFormMain::ShowChild(QWidget* form) {
@@ -1132,6 +1191,45 @@ TChildCommands* TFormMain::ActiveCommands() const {
 void TFormMain::UpdatePrintAction() {
     const TChildCommands* child = ActiveCommands();
     Item("MIPrint")->setEnabled(child && child->Tag == 1);
+}
+
+void TFormMain::MIFindClick() {
+    // With the quick search bar hidden there is nowhere to type a pattern: show it first.
+    if (m_toolbarQuickSearch->isHidden()) {
+        m_toolbarQuickSearch->show();
+        m_editQuickSearch->setFocus(Qt::ShortcutFocusReason);
+        m_editQuickSearch->selectAll();
+        return;
+    }
+    if (TChildCommands* child = ActiveCommands())
+        child->Find(0);
+}
+
+bool TFormMain::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride &&
+        FrameShortcutWins(watched, static_cast<QKeyEvent*>(event))) {
+        // Left unaccepted and kept from the edit, the key goes on to the frame's shortcut.
+        event->ignore();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+bool TFormMain::FrameShortcutWins(QObject* target, const QKeyEvent* key) const {
+    auto* widget = qobject_cast<QWidget*>(target);
+    if (!widget || widget->window() != this)
+        return false;
+    const QKeySequence sequence(key->keyCombination());
+    for (const QAction* action : findChildren<QAction*>(QString(), Qt::FindDirectChildrenOnly)) {
+        // Cut, Copy and Paste are the edit's own keys and do the same there.
+        const QString name = action->objectName();
+        if (name == QLatin1String("MICut") || name == QLatin1String("MICopy") ||
+            name == QLatin1String("MIPaste"))
+            continue;
+        if (action->isEnabled() && action->isVisible() && action->shortcuts().contains(sequence))
+            return true;
+    }
+    return false;
 }
 
 void TFormMain::SetCommandEnabled(const QString& name, bool enabled) {

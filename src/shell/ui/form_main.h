@@ -12,6 +12,7 @@
 #include <vector>
 
 class QAction;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QMdiSubWindow;
@@ -151,8 +152,15 @@ public:
     TVintraTranslator& Translator() { return m_translator; }
     bool closeWithoutConfirmation = false;
 
+    /// Find: shows the quick search bar and puts the focus in it while the bar is hidden;
+    /// otherwise the active child finds the pattern.
+    void MIFindClick();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
+    /// ShortcutOverride of any widget of the frame: a key of an enabled frame command is kept
+    /// from the widget, so that the command runs.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     friend class TMdiChildWindow;
@@ -172,6 +180,10 @@ private:
     void ToggleOn(TChildRoute& route);
     void ToggleOff(TChildRoute& route);
     void ShowChild(QWidget* form);
+    /// A new child that would cover another one's corner is cascaded from the last opened, and
+    /// any new child is kept inside the client area.
+    void PlaceNewChild(QMdiSubWindow* sub);
+    bool FrameShortcutWins(QObject* target, const QKeyEvent* key) const;
     void DestroyChild(QWidget* form);
     void CheckWindowEntry(const QWidget* form);
     void ChildClosed(QMdiSubWindow* sub, const QString& route);

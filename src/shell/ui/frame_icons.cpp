@@ -1,6 +1,8 @@
 #include "shell/ui/frame_icons.h"
 
 #include <QHash>
+#include <QIconEngine>
+#include <QImage>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
@@ -395,6 +397,23 @@ QHash<QString, Drawing> drawings() {
         head << QPointF(22, 20) << QPointF(31, 25.5) << QPointF(22, 31);
         p.drawPolygon(head);
     };
+    d[QStringLiteral("extension")] = [](QPainter& p) {
+        p.setPen(pen(ink, 2.4));
+        p.setBrush(Qt::NoBrush);
+        for (qreal x : {8.0, 17.0}) {
+            QPolygonF chevron;
+            chevron << QPointF(x, 9) << QPointF(x + 7, 16) << QPointF(x, 23);
+            p.drawPolyline(chevron);
+        }
+    };
+    d[QStringLiteral("clear")] = [](QPainter& p) {
+        p.setPen(Qt::NoPen);
+        p.setBrush(grey);
+        p.drawEllipse(QPointF(16, 16), 12, 12);
+        p.setPen(pen(Qt::white, 2.6));
+        p.drawLine(QPointF(11, 11), QPointF(21, 21));
+        p.drawLine(QPointF(21, 11), QPointF(11, 21));
+    };
     d[QStringLiteral("shortcutRecipes")] = [d](QPainter& p) {
         d.value(QStringLiteral("recipes"))(p);
         p.setPen(Qt::NoPen);
@@ -421,16 +440,115 @@ QPixmap render(const Drawing& drawing, int size) {
     return pixmap;
 }
 
+/// Draws a picture when a size of it is first asked for, and keeps each size it has drawn.
+class DrawnIconEngine : public QIconEngine {
+public:
+    explicit DrawnIconEngine(Drawing drawing) : m_drawing(std::move(drawing)) {}
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        Q_UNUSED(state);
+        const int side = std::max(1, std::min(size.width(), size.height()));
+        const bool disabled = mode == QIcon::Disabled;
+        const quint64 key = quint64(side) << 1 | quint64(disabled);
+        const auto cached = m_cache.constFind(key);
+        if (cached != m_cache.cend())
+            return *cached;
+        QPixmap drawn = disabled ? DisabledPixmap(pixmap(QSize(side, side), QIcon::Normal, QIcon::Off))
+                                 : render(m_drawing, side);
+        m_cache.insert(key, drawn);
+        return drawn;
+    }
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        const qreal ratio = painter->device() ? painter->device()->devicePixelRatioF() : 1.0;
+        painter->drawPixmap(rect, pixmap(rect.size() * ratio, mode, state));
+    }
+
+    QSize actualSize(const QSize& size, QIcon::Mode, QIcon::State) override {
+        const int side = std::min(size.width(), size.height());
+        return {side, side};
+    }
+
+    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
+        return {{16, 16}, {22, 22}, {24, 24}, {32, 32}, {48, 48}};
+    }
+
+    QIconEngine* clone() const override { return new DrawnIconEngine(*this); }
+    QString key() const override { return QStringLiteral("DrawnIconEngine"); }
+
+private:
+    Drawing m_drawing;
+    QHash<quint64, QPixmap> m_cache;
+};
+
 } // namespace
 
 QIcon FrameIcon(const QString& name) {
+    // One icon a name for the whole run; each size is drawn the first time it is shown.
     static const QHash<QString, Drawing> table = drawings();
-    QIcon icon;
+    static QHash<QString, QIcon> icons;
+    const auto known = icons.constFind(name);
+    if (known != icons.cend())
+        return *known;
     const auto drawing = table.constFind(name);
-    if (drawing != table.cend())
-        for (int size : {16, 22, 24, 32, 48})
-            icon.addPixmap(render(*drawing, size));
+    const QIcon icon = drawing == table.cend() ? QIcon() : QIcon(new DrawnIconEngine(*drawing));
+    icons.insert(name, icon);
     return icon;
+}
+
+QPixmap DisabledPixmap(const QPixmap& normal) {
+    // Grey and faded, so that a disabled button does not pass for an enabled one.
+    QImage image = normal.toImage().convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const int grey = 128 + qGray(line[x]) / 2;
+            line[x] = qRgba(grey, grey, grey, qAlpha(line[x]) * 2 / 5);
+        }
+    }
+    QPixmap pixmap = QPixmap::fromImage(image);
+    pixmap.setDevicePixelRatio(normal.devicePixelRatio());
+    return pixmap;
+}
+
+QIcon TFrameStyle::standardIcon(StandardPixmap icon, const QStyleOption* option,
+                                const QWidget* widget) const {
+    // The standard pictures that windows and dialogs ask for, in the look of the tool bars.
+    static const QHash<int, const char*> drawn = {
+        {SP_FileDialogNewFolder, "insert"},
+        {SP_TrashIcon, "delete"},
+        {SP_DialogApplyButton, "post"},
+        {SP_DialogSaveButton, "post"},
+        {SP_DialogCancelButton, "cancel"},
+        {SP_FileDialogContentsView, "find"},
+        {SP_ArrowRight, "next"},
+        {SP_ArrowLeft, "prior"},
+        {SP_ArrowForward, "next"},
+        {SP_ArrowBack, "prior"},
+        {SP_MediaSkipBackward, "first"},
+        {SP_MediaSkipForward, "last"},
+        {SP_BrowserReload, "refresh"},
+        {SP_DialogOkButton, "post"},
+        {SP_DialogYesButton, "post"},
+        {SP_DialogNoButton, "cancel"},
+        {SP_DialogCloseButton, "cancel"},
+        {SP_DialogDiscardButton, "cancel"},
+        // Asked for by every tool bar and the quick search box at start-up; the style's own
+        // pictures would load the image plugins for nothing.
+        {SP_ToolBarHorizontalExtensionButton, "extension"},
+        {SP_ToolBarVerticalExtensionButton, "extension"},
+        {SP_LineEditClearButton, "clear"},
+    };
+    if (const char* name = drawn.value(icon))
+        return FrameIcon(QLatin1String(name));
+    return QProxyStyle::standardIcon(icon, option, widget);
+}
+
+QPixmap TFrameStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
+                                         const QStyleOption* option) const {
+    if (mode == QIcon::Disabled)
+        return DisabledPixmap(pixmap);
+    return QProxyStyle::generatedIconPixmap(mode, pixmap, option);
 }
 
 } // namespace qm

@@ -2,6 +2,7 @@
 
 #include "store/resource_holder.h"
 
+#include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -37,6 +38,22 @@ int TMessageBoxPresenter::present(Kind kind, const QString& caption, const QStri
     return 1;
 }
 
+namespace {
+
+std::function<void(const QString&)>& exceptionDialog() {
+    static std::function<void(const QString&)> dialog;
+    return dialog;
+}
+
+} // namespace
+
 void ShowExceptionDialog(const QString& text) {
-    QMessageBox::critical(nullptr, QStringLiteral("Quillmeal Plus"), text);
+    if (exceptionDialog())
+        exceptionDialog()(text);
+    else
+        QMessageBox::critical(QApplication::activeWindow(), QStringLiteral("Quillmeal Plus"), text);
+}
+
+void SetExceptionDialog(std::function<void(const QString&)> dialog) {
+    exceptionDialog() = std::move(dialog);
 }

@@ -2,6 +2,8 @@
 
 #include "components/messages.h"
 
+#include <functional>
+
 class QWidget;
 
 /// Shows the three boxes as message boxes, with the button captions of the dictionary.
@@ -16,3 +18,5 @@ private:
 
 /// The framework's exception dialog: what reaches it is shown and the program goes on.
 void ShowExceptionDialog(const QString& text);
+/// Replaces the exception dialog (tests record the texts); an empty function puts the box back.
+void SetExceptionDialog(std::function<void(const QString&)> dialog);

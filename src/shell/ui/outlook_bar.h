@@ -5,8 +5,8 @@
 class QListWidget;
 class QListWidgetItem;
 
-/// The Outlook-like bar: pages of clickable items with a picture, large (caption under the
-/// picture) or small (caption beside it).
+/// The Outlook-like bar: pages of clickable items with a picture, large (caption of up to two
+/// lines under the picture) or small (caption beside it). An item's tool tip is its whole caption.
 class TOutlookBar : public QToolBox {
     Q_OBJECT
 public:
@@ -18,6 +18,12 @@ public:
     QListWidget* Page(int page) const;
     QString PageCaption(int page) const { return itemText(page); }
     void SetPageCaption(int page, const QString& caption) { setItemText(page, caption); }
+    /// Widens the bar's minimum to the widest page caption (after a translation).
+    void FitPageCaptions();
+    /// The part of a page button's width that its caption can't use.
+    int PageLabelMargin() const;
+    /// A caption broken into at most `maxLines` lines of `width` pixels, the last one elided.
+    static QStringList CaptionLines(const QString& caption, const QFont& font, int width, int maxLines);
 
     QListWidgetItem* AddItem(int page, const QString& caption, const QIcon& icon);
     /// Removes every item of the page.

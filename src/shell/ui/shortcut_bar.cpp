@@ -7,6 +7,7 @@
 
 #include <QListWidget>
 #include <QMenu>
+#include <QMouseEvent>
 
 TShortcutBar::TShortcutBar(TOutlookBar* bar, QObject* parent)
     : QObject(parent), m_bar(bar), m_menu(new QMenu(bar)) {
@@ -25,12 +26,11 @@ TShortcutBar::TShortcutBar(TOutlookBar* bar, QObject* parent)
     add("MISmallIcons", tr("&Small icons"), [this] { SetSmallIcons(true); });
     add("MILargeIcons", tr("&Large icons"), [this] { SetSmallIcons(false); });
 
-    // Every page reports its mouse-up; only page 1 lets its captions be edited.
+    // Every page reports its mouse-up, of any button; only page 1 lets its captions be edited.
     for (int page = 0; page < m_bar->PageCount(); ++page) {
         QListWidget* list = m_bar->Page(page);
-        list->setContextMenuPolicy(Qt::CustomContextMenu);
-        connect(list, &QWidget::customContextMenuRequested, this,
-                [this, list](const QPoint& position) { MouseUp(list, position); });
+        list->setContextMenuPolicy(Qt::PreventContextMenu);
+        list->viewport()->installEventFilter(this);
         if (page == ShortcutPage) {
             list->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
             connect(list, &QListWidget::itemChanged, this, &TShortcutBar::ItemTextChange);
@@ -44,8 +44,10 @@ void TShortcutBar::Load() {
     m_loading = true;
     m_bar->ClearPage(ShortcutPage);
     for (const TShortcut& shortcut : Shortcuts::Load()) {
-        // The type is the icon too: 1 recipes, 2 ingredients.
-        const QString icon = shortcut.type == 2 ? QStringLiteral("ingredients") : QStringLiteral("recipes");
+        // The type is the icon too: 1 recipes, 2 ingredients, and no picture for any other.
+        const QString icon = shortcut.type == 1   ? QStringLiteral("shortcutRecipes")
+                             : shortcut.type == 2 ? QStringLiteral("shortcutIngredients")
+                                                  : QString();
         QListWidgetItem* item = m_bar->AddItem(ShortcutPage, shortcut.name, qm::FrameIcon(icon));
         item->setFlags(item->flags() | Qt::ItemIsEditable);
     }
@@ -98,6 +100,14 @@ QMenu* TShortcutBar::ContextMenu(int page, int index) {
     m_menu->findChild<QAction*>(QStringLiteral("MISmallIcons"))->setVisible(!small);
     m_menu->findChild<QAction*>(QStringLiteral("MILargeIcons"))->setVisible(small);
     return m_menu;
+}
+
+bool TShortcutBar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease)
+        for (int page = 0; page < m_bar->PageCount(); ++page)
+            if (QListWidget* list = m_bar->Page(page); list->viewport() == watched)
+                MouseUp(list, static_cast<QMouseEvent*>(event)->position().toPoint());
+    return QObject::eventFilter(watched, event);
 }
 
 void TShortcutBar::MouseUp(QListWidget* list, const QPoint& position) {

@@ -32,8 +32,13 @@ public:
     /// The context menu for a hit (item index, or -1) on a page, with the visibility rules applied.
     QMenu* ContextMenu(int page, int index);
 
+protected:
+    /// The mouse-up of every page, of any button, reaches MouseUp.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void ItemTextChange(QListWidgetItem* item);
+    /// OutlookBarMainMouseUp: the hit test, then the menu at the pointer.
     void MouseUp(QListWidget* list, const QPoint& position);
 
     TOutlookBar* m_bar;

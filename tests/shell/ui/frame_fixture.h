@@ -1,6 +1,7 @@
 #pragma once
 // A frame over a data root seeded in a temporary folder, for the window tests of the shell.
 
+#include "components/database.h"
 #include "shell/app_paths.h"
 #include "shell/ui/form_main.h"
 #include "store/resource_holder.h"
@@ -41,13 +42,28 @@ public:
         return QSettings(paths.OptionsFile, QSettings::IniFormat).value(QStringLiteral("Quillmeal/") + key);
     }
 
-    /// Creates and shows the frame, through FormCreate and FormShow.
-    TFormMain& create() {
+    /// Puts the delivered database into the data root, as the first start does.
+    void seed() {
         TAppPaths seed = paths;
         seed.ExecutablePath = QStringLiteral(QM_BIN_DIR "/");
         QString error;
         if (!SeedDataRoot(seed, error))
             qFatal("%s", qPrintable(error));
+    }
+    QString databaseFile() const { return paths.DataRootPath + QStringLiteral("Database/Hearthnote.db"); }
+    /// Runs statements on the seeded database before the frame opens it.
+    void alter(const QStringList& statements) {
+        seed();
+        qm::Database db;
+        db.open(databaseFile());
+        for (const QString& statement : statements)
+            db.exec(statement);
+        db.close();
+    }
+
+    /// Creates and shows the frame, through FormCreate and FormShow.
+    TFormMain& create() {
+        seed();
         form = std::make_unique<TFormMain>(paths);
         if (!form->FormCreate())
             qFatal("the frame could not open its database");

@@ -3,6 +3,10 @@
 #include "frame_fixture.h"
 #include "store/data_module_main.h"
 
+#include "shell/ui/form_about.h"
+#include "shell/ui/outlook_bar.h"
+
+#include <QAbstractButton>
 #include <QLabel>
 #include <QToolBar>
 
@@ -45,6 +49,34 @@ private slots:
         TScriptedPresenter presenter;
         QVERIFY(form.close());
         QVERIFY(presenter.shown.isEmpty());
+    }
+
+    // In German the page buttons of the bar show their whole names.
+    void germanPageNamesFitTheBar() {
+        FrameFixture fixture;
+        fixture.store(QStringLiteral("Language"), QStringLiteral("Deutsch"));
+        TFormMain& form = fixture.create();
+        TOutlookBar* bar = form.OutlookBar();
+        QCOMPARE(bar->PageCaption(1), QStringLiteral("Verknüpfungen"));
+        QApplication::processEvents();
+        const QList<QAbstractButton*> buttons = bar->findChildren<QAbstractButton*>();
+        QCOMPARE(buttons.size(), bar->PageCount());
+        // The style elides each caption to the room its button leaves for the label.
+        for (const QAbstractButton* button : buttons)
+            QCOMPARE(button->fontMetrics().elidedText(button->text(), Qt::ElideRight,
+                                                      button->width() - bar->PageLabelMargin()),
+                     button->text());
+    }
+
+    void theAboutWindowShowsTheVersion() {
+        FrameFixture fixture;
+        fixture.create();
+        TFormAbout about;
+        about.show();
+        const QLabel* version = about.findChild<QLabel*>(QStringLiteral("LabelVersion"));
+        QVERIFY(version && version->isVisible());
+        QVERIFY(version->text().contains(QStringLiteral(QM_VERSION)));
+        QVERIFY(!QStringLiteral(QM_VERSION).isEmpty());
     }
 };
 

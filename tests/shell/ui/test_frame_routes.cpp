@@ -4,6 +4,7 @@
 #include "components/dataset_provider.h"
 #include "components/messages.h"
 #include "frame_fixture.h"
+#include "shell/ui/mdi_client.h"
 #include "shell/ui/outlook_bar.h"
 #include "store/data_module_main.h"
 
@@ -12,6 +13,8 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -72,6 +75,26 @@ protected:
 private:
     Journal& m_journal;
     bool m_find;
+};
+
+/// A child that puts its frame at a stored place when it is shown, as record windows do.
+class TPlacedChild : public TTestChild {
+public:
+    TPlacedChild(Journal& journal, const QString& title, const QRect& stored, const QSize& minimum)
+        : TTestChild(journal, title, 1, true), m_stored(stored), m_minimum(minimum) {}
+
+protected:
+    void showEvent(QShowEvent* event) override {
+        TTestChild::showEvent(event);
+        if (parentWidget()) {
+            parentWidget()->setMinimumSize(m_minimum);
+            parentWidget()->setGeometry(m_stored);
+        }
+    }
+
+private:
+    QRect m_stored;
+    QSize m_minimum;
 };
 
 /// A grid that tells the frame which dataset it shows.
@@ -278,6 +301,7 @@ private slots:
         QCOMPARE(enabled(form, "MIFind"), find);
 
         action(form, "MIPrint")->trigger();
+        form.findChild<QToolBar*>(QStringLiteral("ToolBarQuickSearch"))->show();
         auto* search = form.findChild<QLineEdit*>(QStringLiteral("EditQuickSearch"));
         search->setText(QStringLiteral("soup"));
         QTest::keyClick(search, Qt::Key_Return); // presses ToolButtonQuickSearch
@@ -326,6 +350,137 @@ private slots:
         m_journal.events.clear();
         QTest::keyClick(search, Qt::Key_Return);
         QVERIFY(m_journal.events.isEmpty());
+    }
+
+    // The frame's shortcuts open their windows while an edit has the focus, in a child or in the
+    // quick search box; the edit keeps its own keys and its text.
+    void frameShortcutsWinOverEdits() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        form.RegisterChild(QStringLiteral("UserDiary"), factory(m_diary, QStringLiteral("Diary")));
+        form.RegisterChild(QStringLiteral("Diets"), factory(m_journal, QStringLiteral("Diets")));
+        int categories = 0;
+        form.RegisterModal(QStringLiteral("Categories"), [&] { ++categories; });
+        form.Toggle(QStringLiteral("Units"), true);
+        auto* child = qobject_cast<TTestChild*>(form.ChildWindow(QStringLiteral("Units")));
+        child->edit->setFocus();
+        child->edit->setSelection(0, 4);
+
+        QTest::keyClick(child->edit, Qt::Key_A, Qt::ControlModifier); // not: select all
+        QCOMPARE(categories, 1);
+        QCOMPARE(child->edit->selectedText(), QStringLiteral("some"));
+        QTest::keyClick(child->edit, Qt::Key_E, Qt::ControlModifier); // not: to the end
+        QVERIFY(form.ChildWindow(QStringLiteral("Diets")));
+        child->edit->setFocus();
+        QTest::keyClick(child->edit, Qt::Key_D, Qt::ControlModifier); // not: delete a character
+        QVERIFY(form.ChildWindow(QStringLiteral("UserDiary")));
+        QCOMPARE(child->edit->text(), QStringLiteral("some words"));
+
+        // The edit's own keys stay its own: paste once, undo.
+        child->edit->setFocus();
+        child->edit->setCursorPosition(0);
+        QGuiApplication::clipboard()->setText(QStringLiteral("big "));
+        QTest::keyClick(child->edit, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(child->edit->text(), QStringLiteral("big some words"));
+        QTest::keyClick(child->edit, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(child->edit->text(), QStringLiteral("some words"));
+
+        // In the quick search box, with the Units window closed.
+        form.Toggle(QStringLiteral("Units"), false);
+        auto* search = form.findChild<QLineEdit*>(QStringLiteral("EditQuickSearch"));
+        form.findChild<QToolBar*>(QStringLiteral("ToolBarQuickSearch"))->show();
+        search->setFocus();
+        search->setText(QStringLiteral("soup"));
+        QTest::keyClick(search, Qt::Key_U, Qt::ControlModifier); // not: clear the line
+        QVERIFY(form.ChildWindow(QStringLiteral("Units")));
+        QCOMPARE(search->text(), QStringLiteral("soup"));
+    }
+
+    // Ctrl+F with the quick search bar hidden shows the bar and puts the focus in it; the search
+    // itself runs from there.
+    void findWithTheQuickSearchBarHidden() {
+        TFormMain& form = frame();
+        form.RegisterChild(QStringLiteral("Units"), factory(m_journal, QStringLiteral("Units")));
+        form.Toggle(QStringLiteral("Units"), true);
+        auto* child = qobject_cast<TTestChild*>(form.ChildWindow(QStringLiteral("Units")));
+        auto* bar = form.findChild<QToolBar*>(QStringLiteral("ToolBarQuickSearch"));
+        auto* search = form.findChild<QLineEdit*>(QStringLiteral("EditQuickSearch"));
+        QVERIFY(bar->isHidden()); // the default
+        child->edit->setFocus();
+
+        QTest::keyClick(child->edit, Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(!bar->isHidden());
+        QCOMPARE(QApplication::focusWidget(), search);
+        QVERIFY(m_journal.events.filter("find").isEmpty());
+        QTest::keyClicks(search, QStringLiteral("soup"));
+        QTest::keyClick(search, Qt::Key_Return);
+        QCOMPARE(m_journal.events.filter("find"), QStringList{"Units find 0 soup"});
+        QTest::keyClick(search, Qt::Key_F, Qt::ControlModifier); // the bar is there now: find
+        QCOMPARE(m_journal.events.filter("find").size(), 2);
+    }
+
+    // Tile and Cascade leave the frame as it is, also when the children can't shrink to fit;
+    // a new child that would open over another is cascaded from the last one; a stored place
+    // outside the client area is brought back into it.
+    void childrenStayInsideTheFrame() {
+        TFormMain& form = frame();
+        QMap<QString, QRect> stored;
+        QMap<QString, QSize> minimum;
+        for (const char* route : {"Recipes", "Ingredients", "Menus", "Calendar", "Units"}) {
+            const QString name = QLatin1String(route);
+            form.RegisterChild(name, [this, name, &stored, &minimum](const TChildRequest&) {
+                return new TPlacedChild(m_journal, name, stored.value(name),
+                                        minimum.value(name, QSize(120, 90)));
+            });
+        }
+        stored[QStringLiteral("Recipes")] = QRect(0, 0, 300, 200);
+        stored[QStringLiteral("Ingredients")] = QRect(0, 0, 300, 200);
+        stored[QStringLiteral("Menus")] = QRect(0, 0, 300, 200);
+        stored[QStringLiteral("Calendar")] = QRect(5000, 4000, 320, 210); // stored after a Tile elsewhere
+        stored[QStringLiteral("Units")] = QRect(-40, 30, 5000, 5000);
+        const auto sub = [&](const char* route) {
+            return qobject_cast<QWidget*>(form.ChildWindow(QLatin1String(route)))->parentWidget();
+        };
+        const QRect client = form.MdiArea()->viewport()->rect();
+
+        form.Toggle(QStringLiteral("Recipes"), true);
+        form.Toggle(QStringLiteral("Ingredients"), true);
+        form.Toggle(QStringLiteral("Menus"), true);
+        QCOMPARE(sub("Recipes")->pos(), QPoint(0, 0));
+        const QPoint step = sub("Ingredients")->pos();
+        QVERIFY(step.x() >= 16 && step.x() == step.y());
+        QCOMPARE(sub("Menus")->pos(), 2 * step);
+        QCOMPARE(sub("Menus")->size(), QSize(300, 200));
+        form.Toggle(QStringLiteral("Calendar"), true);
+        QVERIFY(client.contains(sub("Calendar")->geometry()));
+        QCOMPARE(sub("Calendar")->size(), QSize(320, 210));
+        // Brought into the client it would lie over the first: it is cascaded and gives up size.
+        form.Toggle(QStringLiteral("Units"), true);
+        QCOMPARE(sub("Units")->geometry(), QRect(3 * step, client.bottomRight()));
+
+        // Children as large as the client can't give up size: they still don't open over another.
+        form.Toggle(QStringLiteral("Menus"), false);
+        form.Toggle(QStringLiteral("Calendar"), false);
+        form.Toggle(QStringLiteral("Units"), false);
+        form.Toggle(QStringLiteral("Ingredients"), false);
+        stored[QStringLiteral("Menus")] = QRect(QPoint(0, 0), client.size());
+        minimum[QStringLiteral("Menus")] = client.size();
+        sub("Recipes")->setGeometry(QRect(QPoint(0, 0), client.size()));
+        form.Toggle(QStringLiteral("Menus"), true);
+        QCOMPARE(sub("Menus")->pos(), step);
+        QCOMPARE(sub("Menus")->size(), client.size());
+
+        // Children whose minimum is larger than a tile: the frame keeps its size.
+        form.Toggle(QStringLiteral("Ingredients"), true);
+        form.Toggle(QStringLiteral("Calendar"), true);
+        form.Toggle(QStringLiteral("Units"), true);
+        for (const char* route : {"Recipes", "Ingredients", "Menus", "Calendar", "Units"})
+            sub(route)->setMinimumSize(500, 400);
+        const QRect frameGeometry = form.geometry();
+        form.findChild<QAction*>(QStringLiteral("MITile"))->trigger();
+        QCOMPARE(form.geometry(), frameGeometry);
+        form.findChild<QAction*>(QStringLiteral("MICascade"))->trigger();
+        QCOMPARE(form.geometry(), frameGeometry);
     }
 
     void theNavigatorActsOnTheFocusedGridsDataset() {

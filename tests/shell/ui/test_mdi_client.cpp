@@ -1,4 +1,5 @@
 // The painted client area: centred picture, transparency, and pictures that can't be read.
+#include "components/mdi_frame.h"
 #include "shell/ui/mdi_client.h"
 
 #include <QFile>
@@ -103,6 +104,24 @@ private slots:
         image = shown(client);
         QCOMPARE(image.pixelColor(after), QColor(Qt::blue));
         QCOMPARE(image.pixelColor(at), QColor(Qt::green));
+    }
+
+    void aStoredPlaceIsBroughtIntoTheClient_data() {
+        QTest::addColumn<QRect>("stored");
+        QTest::addColumn<QRect>("expected");
+        // The client is 600 by 400.
+        QTest::newRow("inside stays") << QRect(10, 20, 300, 200) << QRect(10, 20, 300, 200);
+        QTest::newRow("past the right and bottom") << QRect(500, 350, 300, 200) << QRect(300, 200, 300, 200);
+        QTest::newRow("far away after a tile") << QRect(2400, 1800, 300, 200) << QRect(300, 200, 300, 200);
+        QTest::newRow("above and left") << QRect(-50, -10, 300, 200) << QRect(0, 0, 300, 200);
+        QTest::newRow("larger than the client") << QRect(40, 40, 900, 300) << QRect(0, 40, 600, 300);
+    }
+
+    void aStoredPlaceIsBroughtIntoTheClient() {
+        QFETCH(QRect, stored);
+        QFETCH(QRect, expected);
+        QCOMPARE(qm::ClampToClient(stored, QSize(600, 400)), expected);
+        QCOMPARE(qm::ClampToClient(stored, QSize()), stored); // no client yet: left alone
     }
 };
 
