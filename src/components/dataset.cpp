@@ -746,71 +746,72 @@ void Dataset::Open() {
     commitOpen();
 }
 
-/// Reads the rows; false when a calculated field needed a column that was not read, which is then
-/// held from now on.
+/// Reads the rows; false when they are to be read again (see openTable).
 bool Dataset::openWith(const QVariantMap& params) {
-    for (const QString& calc : std::as_const(m_calcNames))
-        for (const QString& name : IsQuery() ? QStringList() : tableInfo().columns)
-            if (name.compare(calc, Qt::CaseInsensitive) == 0)
-                throw DatasetError(
-                    QStringLiteral("Calculated field '%1' has the name of a column").arg(calc));
-    const auto finishRead = [this] {
-        m_openFilter = m_filtered ? m_filter.trimmed() : QString();
-        m_state = dsInactive;
-    };
-
+    // A statement's columns are known once it ran; a table without columns is one the engine does
+    // not know, and its own error says so.
     if (IsQuery() || tableInfo().columns.isEmpty()) {
-        // A statement's columns are known once it ran; a table without columns is one the engine
-        // does not know, and its own error says so.
-        const QString sql = selectText();
-        SqlRows result = m_database->select(sql, params);
-        QHash<QString, int> lookup;
-        for (int i = 0; i < result.columns.size(); ++i)
-            if (!lookup.contains(result.columns.at(i).toLower()))
-                lookup.insert(result.columns.at(i).toLower(), i);
-        for (const QString& calc : std::as_const(m_calcNames))
-            if (lookup.contains(calc.toLower()))
-                throw DatasetError(
-                    QStringLiteral("Calculated field '%1' has the name of a column").arg(calc));
-        const QList<int> keys = resolveKeys(lookup);
-        emit aboutToReset();
-        QList<int> all;
-        for (int i = 0; i < result.columns.size(); ++i)
-            all << i;
-        setFields(result.columns, all);
-        m_keyIndexes = keys;
-        m_openSql = sql;
-        m_openParams = params;
-        m_boundValues = boundValues(params);
-        m_fetchSql.clear();
-        m_ranges.clear();
-        if (!m_tableName.isEmpty()) {
-            // A query that writes to a table keeps that table's ranges for the columns it shows.
-            const TableInfo& info = tableInfo();
-            for (const QString& name : std::as_const(result.columns)) {
-                const int column = indexOfName(info.columns, name);
-                m_ranges.push_back(column < 0 ? FieldRange() : info.ranges[size_t(column)]);
-            }
-        }
-        auto store = std::make_unique<RowStore>(int(m_fieldOfSlot.size()));
-        try {
-            for (QVariantList& row : result.rows)
-                addRow(*store, row);
-        } catch (...) {
-            m_store = std::make_unique<RowStore>(0);
-            emit reset();
-            throw;
-        }
-        m_store = std::move(store);
-        m_readByCursor = false;
-        finishRead();
+        openQuery(params);
         return true;
     }
+    return openTable(params);
+}
 
-    const TableInfo& info = tableInfo();
+/// Lookup of lower-case names; a calculated field may not take a column's name.
+QHash<QString, int> Dataset::columnLookup(const QStringList& columns) const {
     QHash<QString, int> lookup;
-    for (int i = 0; i < info.columns.size(); ++i)
-        lookup.insert(info.columns.at(i).toLower(), i);
+    for (int i = 0; i < columns.size(); ++i)
+        if (!lookup.contains(columns.at(i).toLower()))
+            lookup.insert(columns.at(i).toLower(), i);
+    for (const QString& calc : std::as_const(m_calcNames))
+        if (lookup.contains(calc.toLower()))
+            throw DatasetError(QStringLiteral("Calculated field '%1' has the name of a column").arg(calc));
+    return lookup;
+}
+
+/// Every column of every row, as the statement gives them.
+void Dataset::openQuery(const QVariantMap& params) {
+    const QString sql = selectText();
+    SqlRows result = m_database->select(sql, params);
+    const QList<int> keys = resolveKeys(columnLookup(result.columns));
+    emit aboutToReset();
+    QList<int> all;
+    for (int i = 0; i < result.columns.size(); ++i)
+        all << i;
+    setFields(result.columns, all);
+    m_keyIndexes = keys;
+    m_openSql = sql;
+    m_openParams = params;
+    m_boundValues = boundValues(params);
+    m_fetchSql.clear();
+    m_ranges.clear();
+    if (!m_tableName.isEmpty()) {
+        // A query that writes to a table keeps that table's ranges for the columns it shows.
+        const TableInfo& info = tableInfo();
+        for (const QString& name : std::as_const(result.columns)) {
+            const int column = indexOfName(info.columns, name);
+            m_ranges.push_back(column < 0 ? FieldRange() : info.ranges[size_t(column)]);
+        }
+    }
+    auto store = std::make_unique<RowStore>(int(m_fieldOfSlot.size()));
+    try {
+        for (QVariantList& row : result.rows)
+            addRow(*store, row);
+    } catch (...) {
+        m_store = std::make_unique<RowStore>(0);
+        emit reset();
+        throw;
+    }
+    m_store = std::move(store);
+    m_readByCursor = false;
+    m_openFilter = m_filtered ? m_filter.trimmed() : QString();
+}
+
+/// The table's held columns of every row; false when a calculated field needed a column not
+/// held, which is held from then on.
+bool Dataset::openTable(const QVariantMap& params) {
+    const TableInfo& info = tableInfo();
+    const QHash<QString, int> lookup = columnLookup(info.columns);
     const QList<int> keys = resolveKeys(lookup);
     // Held: every column, or with row fields and a key to read the others by, the key, the row
     // fields and what calculated fields read.
@@ -869,7 +870,7 @@ bool Dataset::openWith(const QVariantMap& params) {
     }
     m_store = std::move(store);
     m_readByCursor = true;
-    finishRead();
+    m_openFilter = m_filtered ? m_filter.trimmed() : QString();
     return true;
 }
 
@@ -1095,18 +1096,18 @@ bool Dataset::Locate(const QStringList& fields, const QVariantList& values) {
         columns << FieldByName(name).Index();
     if (!checkBrowseMode())
         return false;
-    const QList<int> rows = rowsMatching(columns, values);
-    if (rows.isEmpty())
+    const int row = findRow(columns, values);
+    if (row < 0)
         return false;
-    setCurrent(rows.first());
+    setCurrent(row);
     m_bof = m_eof = false;
     fireAfterScroll();
     return true;
 }
 
-/// Rows whose fields equal the values, in order (only the first when all fields are held). Fields
-/// that are not held are compared in one pass over the table's rows of the last Open.
-QList<int> Dataset::rowsMatching(const QList<int>& columns, const QVariantList& values) {
+/// The first row whose fields equal the values, -1 when none does. Fields that are not held are
+/// compared in one pass over the table's rows within the filter of the last Open.
+int Dataset::findRow(const QList<int>& columns, const QVariantList& values) {
     QList<int> heldColumns;
     QVariantList heldValues;
     QList<int> unheld;
@@ -1139,21 +1140,18 @@ QList<int> Dataset::rowsMatching(const QList<int>& columns, const QVariantList& 
             matchingKeys.insert(keyText(row.mid(0, keyCount)));
         });
         if (matchingKeys.isEmpty())
-            return {};
+            return -1;
     }
-    QList<int> rows;
     for (int r = 0; r < RecordCount(); ++r) {
         bool match = true;
         for (int k = 0; k < heldColumns.size() && match; ++k)
             match = sameValue(m_store->get(r, m_slotOf.at(heldColumns.at(k))), heldValues.at(k));
         if (match && !unheld.isEmpty())
             match = matchingKeys.contains(keyText(keyValuesAt(r)));
-        if (match) {
-            rows << r;
-            break;
-        }
+        if (match)
+            return r;
     }
-    return rows;
+    return -1;
 }
 
 QVariantList Dataset::keyValues(const QVariantList& row) const {

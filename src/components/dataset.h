@@ -259,6 +259,9 @@ private:
     const TableInfo& tableInfo();
     QList<int> resolveKeys(const QHash<QString, int>& lookup);
     bool openWith(const QVariantMap& params);
+    QHash<QString, int> columnLookup(const QStringList& columns) const;
+    void openQuery(const QVariantMap& params);
+    bool openTable(const QVariantMap& params);
     void setFields(const QStringList& dataNames, const QList<int>& held);
     void addRow(RowStore& store, QVariantList& values);
     void commitOpen();
@@ -277,7 +280,7 @@ private:
     const FetchedRow& fetched(int row) const;
     void forgetFetched() const;
     void storeRow(int row, const QVariantList& full);
-    QList<int> rowsMatching(const QList<int>& columns, const QVariantList& values);
+    int findRow(const QList<int>& columns, const QVariantList& values);
 
     Database* m_database = nullptr;
     QString m_tableName;
