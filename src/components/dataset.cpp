@@ -22,7 +22,16 @@ const QString kInsertRow = QStringLiteral("INSERT INTO %1 ( %2 ) \nVALUES ( %3 )
 const QString kInsertDefaults = QStringLiteral("INSERT INTO %1 DEFAULT VALUES");
 const QString kUpdateRow = QStringLiteral("UPDATE %1 \nSET %2 \nWHERE %3");
 const QString kDeleteRow = QStringLiteral("DELETE FROM %1 \nWHERE %2");
+const QString kSelectColumns = QStringLiteral("SELECT %1 \nFROM %2");
 const QString kTableInfo = QStringLiteral("PRAGMA table_info( %1 )");
+const QString kTableSql = QStringLiteral(
+    "SELECT sql \nFROM sqlite_master \nWHERE type = 'table' \n   AND name = :name COLLATE NOCASE");
+
+/// Thrown through OnCalcFields while rows are read, when it reads a column that is not held: the
+/// rows are read again with that column. Not a std::exception, so handlers let it pass.
+struct NeedField {
+    int field;
+};
 
 bool isNull(const QVariant& v) {
     return !v.isValid() || v.isNull();
@@ -129,12 +138,284 @@ QString caselessOrder(const QString& orderBy) {
     return out.join(QStringLiteral(", "));
 }
 
-/// Restores a pointer when the scope ends, also through an exception.
-struct RestorePointer {
-    QVariantList*& ref;
-    QVariantList* saved;
-    ~RestorePointer() { ref = saved; }
+/// Restores a value when the scope ends, also through an exception.
+template <typename T> struct Restore {
+    T& ref;
+    T saved;
+    ~Restore() { ref = saved; }
 };
+
+/// Names of the ":name" parameters of a statement, lower case (a name inside a literal counts too,
+/// which only binds a value that is not used).
+QSet<QString> parameterNames(const QString& sql) {
+    static const QRegularExpression param(QStringLiteral(":([A-Za-z_][A-Za-z0-9_]*)"));
+    QSet<QString> names;
+    for (auto it = param.globalMatch(sql); it.hasNext();)
+        names.insert(it.next().captured(1).toLower());
+    return names;
+}
+
+/// A key as text, so that the keys of many rows can be looked up at once; equal keys (numbers by
+/// value) give equal text.
+QString keyText(const QVariantList& keys) {
+    QString text;
+    for (const QVariant& v : keys) {
+        if (isNull(v))
+            text += QStringLiteral("\x01");
+        else if (isNumeric(v))
+            text += QLatin1Char('n') + QString::number(v.toDouble(), 'g', 17);
+        else
+            text += QLatin1Char('s') + v.toString();
+        text += QChar(0x1f);
+    }
+    return text;
+}
+
+/// Position of a name in a list, compared without regard to case; -1 when absent.
+int indexOfName(const QStringList& names, const QString& name) {
+    for (int i = 0; i < names.size(); ++i)
+        if (names.at(i).compare(name, Qt::CaseInsensitive) == 0)
+            return i;
+    return -1;
+}
+
+/// Reads every row of a cursor, handing the values of each to `add`.
+template <typename Cursor, typename Add> void forEachRow(Cursor& cursor, int columns, Add add) {
+    QVariantList values(columns);
+    while (cursor.next()) {
+        for (int c = 0; c < columns; ++c)
+            values[c] = cursor.value(c);
+        add(values);
+    }
+}
+
+/// Characters as the engine's length() counts them: code points of text, bytes of a blob.
+qsizetype lengthOf(const QVariant& v) {
+    switch (v.metaType().id()) {
+    case QMetaType::QByteArray:
+        return v.toByteArray().size();
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return QString::number(v.toDouble(), 'g', 15).size();
+    default: {
+        const QString text = v.toString();
+        qsizetype n = 0;
+        for (qsizetype i = 0; i < text.size(); ++i, ++n)
+            if (text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
+                ++i;
+        return n;
+    }
+    }
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Rows in memory: one typed array per held field rather than a list of variants per row, so that
+// a large table costs a few machine words a row. A value of another type than its column's turns
+// that column into variants; nulls read back exactly as the engine gave them.
+
+class Dataset::RowStore {
+public:
+    explicit RowStore(int columns) : m_columns(static_cast<size_t>(columns > 0 ? columns : 0)) {}
+
+    qsizetype size() const { return m_size; }
+    /// Appends a row; `values` holds one value per column and is left moved from.
+    void append(QVariantList& values) {
+        for (size_t s = 0; s < m_columns.size(); ++s)
+            m_columns[s].insert(m_size, std::move(values[qsizetype(s)]));
+        ++m_size;
+    }
+    void insertNull(qsizetype row) {
+        for (Column& c : m_columns)
+            c.insert(row, QVariant(c.nullValue));
+        ++m_size;
+    }
+    void remove(qsizetype row) {
+        for (Column& c : m_columns)
+            c.remove(row);
+        --m_size;
+    }
+    QVariant get(qsizetype row, int slot) const { return m_columns[size_t(slot)].get(row); }
+    void set(qsizetype row, int slot, const QVariant& value) { m_columns[size_t(slot)].set(row, value); }
+
+private:
+    template <typename T, typename V> static void place(std::vector<T>& values, qsizetype row, V&& value) {
+        if (size_t(row) == values.size())
+            values.push_back(std::forward<V>(value));
+        else
+            values.insert(values.begin() + row, std::forward<V>(value));
+    }
+
+    struct Column {
+        enum Kind { Nulls, Int, Real, Text, Any };
+        Kind kind = Nulls;
+        bool nullKnown = false;
+        QVariant nullValue; ///< what a null of this column reads back as
+        std::vector<bool> nulls;
+        std::vector<qint64> ints;
+        std::vector<double> reals;
+        std::vector<QString> texts;
+        std::vector<QVariant> any;
+
+        static Kind kindOf(const QVariant& v) {
+            switch (v.metaType().id()) {
+            case QMetaType::LongLong:
+                return Int;
+            case QMetaType::Double:
+                return Real;
+            case QMetaType::QString:
+                return Text;
+            default:
+                return Any;
+            }
+        }
+        /// Whether the column can keep `v` as it is; the first null sets how nulls read back, and
+        /// the first value the column's type.
+        bool fits(const QVariant& v, bool null) {
+            if (kind == Any)
+                return true;
+            if (null) {
+                if (!nullKnown) {
+                    nullValue = v;
+                    nullKnown = true;
+                    return true;
+                }
+                return v.metaType() == nullValue.metaType();
+            }
+            const Kind k = kindOf(v);
+            if (k == Any)
+                return false;
+            if (kind == Nulls) {
+                kind = k;
+                const size_t n = nulls.size();
+                if (k == Int)
+                    ints.resize(n);
+                else if (k == Real)
+                    reals.resize(n);
+                else
+                    texts.resize(n);
+            }
+            return k == kind;
+        }
+        void toAny() {
+            std::vector<QVariant> values;
+            values.reserve(nulls.size());
+            for (size_t i = 0; i < nulls.size(); ++i)
+                values.push_back(get(qsizetype(i)));
+            any = std::move(values);
+            nulls = std::vector<bool>();
+            ints = std::vector<qint64>();
+            reals = std::vector<double>();
+            texts = std::vector<QString>();
+            kind = Any;
+        }
+        void insert(qsizetype row, QVariant&& v) {
+            const bool null = isNull(v);
+            if (!fits(v, null))
+                toAny();
+            if (kind == Any) {
+                place(any, row, std::move(v));
+                return;
+            }
+            place(nulls, row, null);
+            // The column's type is the value's own here, so the values are taken as they are.
+            if (kind == Int)
+                place(ints, row, null ? 0 : *static_cast<const qlonglong*>(v.constData()));
+            else if (kind == Real)
+                place(reals, row, null ? 0.0 : *static_cast<const double*>(v.constData()));
+            else if (kind == Text)
+                place(texts, row, null ? QString() : std::move(*static_cast<QString*>(v.data())));
+        }
+        void remove(qsizetype row) {
+            if (kind == Any) {
+                any.erase(any.begin() + row);
+                return;
+            }
+            nulls.erase(nulls.begin() + row);
+            if (kind == Int)
+                ints.erase(ints.begin() + row);
+            else if (kind == Real)
+                reals.erase(reals.begin() + row);
+            else if (kind == Text)
+                texts.erase(texts.begin() + row);
+        }
+        void set(qsizetype row, const QVariant& v) {
+            const bool null = isNull(v);
+            if (!fits(v, null))
+                toAny();
+            const auto at = size_t(row);
+            if (kind == Any) {
+                any[at] = v;
+                return;
+            }
+            nulls[at] = null;
+            if (kind == Int)
+                ints[at] = null ? 0 : v.toLongLong();
+            else if (kind == Real)
+                reals[at] = null ? 0.0 : v.toDouble();
+            else if (kind == Text)
+                texts[at] = null ? QString() : v.toString();
+        }
+        QVariant get(qsizetype row) const {
+            const auto at = size_t(row);
+            if (kind == Any)
+                return any[at];
+            if (nulls[at])
+                return nullValue;
+            switch (kind) {
+            case Int:
+                return QVariant(qlonglong(ints[at]));
+            case Real:
+                return QVariant(reals[at]);
+            case Text:
+                return QVariant(texts[at]);
+            default:
+                return nullValue;
+            }
+        }
+    };
+
+    std::vector<Column> m_columns;
+    qsizetype m_size = 0;
+};
+
+/// Columns of a table as declared: names in order, the primary key, and each column's range.
+struct Dataset::TableInfo {
+    QString table;
+    QStringList columns;
+    QStringList primaryKey;
+    std::vector<FieldRange> ranges;
+};
+
+namespace {
+
+/// The range a declared type allows: SMALLINT 16-bit, INT and INTEGER 32-bit, TINYINT a byte,
+/// CHAR(n), VARCHAR(n), TEXT(n) at most n characters.
+template <typename Range> Range rangeOfType(const QString& declared) {
+    static const QRegularExpression width(QStringLiteral("\\(\\s*(\\d+)\\s*\\)"));
+    const QString type = declared.trimmed().toUpper();
+    Range range;
+    const auto bounds = [&range](qint64 min, qint64 max) {
+        range.integer = true;
+        range.min = min;
+        range.max = max;
+    };
+    if (type.startsWith(QLatin1String("SMALLINT")) || type == QLatin1String("SHORT"))
+        bounds(-32768, 32767);
+    else if (type.startsWith(QLatin1String("TINYINT")) || type == QLatin1String("BYTE"))
+        bounds(0, 255);
+    else if (type.contains(QLatin1String("BIG")))
+        ; // 64-bit, as the engine keeps it
+    else if (type.contains(QLatin1String("INT")) || type == QLatin1String("LONG"))
+        bounds(-2147483648LL, 2147483647LL);
+    if (type.contains(QLatin1String("CHAR")) || type.contains(QLatin1String("TEXT"))) {
+        const QRegularExpressionMatch m = width.match(type);
+        if (m.hasMatch())
+            range.maxLength = m.captured(1).toInt();
+    }
+    return range;
+}
 
 } // namespace
 
@@ -150,8 +431,7 @@ bool Field::IsCalculated() const {
 }
 
 QVariant Field::Value() const {
-    const QVariantList* buffer = m_dataset->activeBuffer();
-    return buffer ? buffer->value(m_index) : QVariant();
+    return m_dataset->currentValue(m_index);
 }
 
 bool Field::IsNull() const {
@@ -224,7 +504,7 @@ void Field::SetValue(const QVariant& value) {
 // ---------------------------------------------------------------------------------------------
 // Dataset: configuration
 
-Dataset::Dataset(QObject* parent) : QObject(parent) {}
+Dataset::Dataset(QObject* parent) : QObject(parent), m_store(std::make_unique<RowStore>(0)) {}
 
 Dataset::~Dataset() {
     if (m_master)
@@ -233,8 +513,8 @@ Dataset::~Dataset() {
 
 void Dataset::SetTableName(const QString& table) {
     m_tableName = table;
-    m_detectedKeysOf.clear();
-    m_detectedKeys.clear();
+    m_tableInfo.reset();
+    m_calcNeeds.clear();
 }
 
 void Dataset::SetSql(const QString& sql) {
@@ -277,7 +557,7 @@ void Dataset::AddCalculatedField(const QString& name) {
 // ---------------------------------------------------------------------------------------------
 // Dataset: life
 
-QString Dataset::selectText() const {
+QString Dataset::selectText(const QStringList& columns) const {
     const bool filtering = m_filtered && !m_filter.trimmed().isEmpty();
     const bool sorting = !m_sortedBy.trimmed().isEmpty();
     QString text;
@@ -288,8 +568,13 @@ QString Dataset::selectText() const {
         while (inner.endsWith(QLatin1Char(';')))
             inner.chop(1);
         text = kSelectFromQuery.arg(inner);
-    } else {
+    } else if (columns.isEmpty()) {
         text = kSelectTable.arg(quoteName(m_tableName));
+    } else {
+        QStringList quoted;
+        for (const QString& c : columns)
+            quoted << quoteName(c);
+        text = kSelectColumns.arg(quoted.join(QStringLiteral(", ")), quoteName(m_tableName));
     }
     if (filtering)
         text += kWhereClause.arg(m_filter);
@@ -302,13 +587,16 @@ QVariantMap Dataset::effectiveParams() const {
     QVariantMap params = m_params;
     if (!m_master)
         return params;
+    // Only the master's fields that the statement names: reading one may cost a statement.
+    const QSet<QString> used = parameterNames(Active() ? m_openSql : selectText());
     const int row = m_master->currentRow();
     QSet<QString> taken;
     for (int i = 0; i < m_master->FieldCount(); ++i) {
         const QString name = m_master->fieldName(i);
-        if (taken.contains(name.toLower()))
+        const QString lower = name.toLower();
+        if (taken.contains(lower) || !used.contains(lower))
             continue;
-        taken.insert(name.toLower());
+        taken.insert(lower);
         for (auto it = params.begin(); it != params.end();)
             it = it.key().compare(name, Qt::CaseInsensitive) == 0 ? params.erase(it) : std::next(it);
         params.insert(name, row >= 0 ? m_master->value(row, i) : QVariant());
@@ -334,25 +622,50 @@ void Dataset::onMasterChanged() {
     Open();
 }
 
+const Dataset::TableInfo& Dataset::tableInfo() {
+    if (m_tableInfo && m_tableInfo->table == m_tableName)
+        return *m_tableInfo;
+    auto info = std::make_shared<TableInfo>();
+    info->table = m_tableName;
+    const SqlRows columns = m_database->select(kTableInfo.arg(quoteName(m_tableName)));
+    QList<QPair<int, QString>> primary;
+    for (qsizetype r = 0; r < columns.rows.size(); ++r) {
+        const QString name = columns.value(r, QStringLiteral("name")).toString();
+        info->columns << name;
+        info->ranges.push_back(rangeOfType<FieldRange>(columns.value(r, QStringLiteral("type")).toString()));
+        const int order = columns.value(r, QStringLiteral("pk")).toInt();
+        if (order > 0)
+            primary << qMakePair(order, name);
+    }
+    std::sort(primary.begin(), primary.end());
+    for (const auto& p : std::as_const(primary))
+        info->primaryKey << p.second;
+    // Text widths may also stand as CHECK ( length( column ) <= n ) in the table's statement.
+    if (!info->columns.isEmpty()) {
+        static const QRegularExpression check(QStringLiteral("CHECK\\s*\\(\\s*length\\s*\\(\\s*[\\[\"`]?(\\w+"
+                                                             ")[\\]\"`]?\\s*\\)\\s*(<=|<)\\s*(\\d+)\\s*\\)"),
+                                              QRegularExpression::CaseInsensitiveOption);
+        const QString sql = m_database->scalar(kTableSql, {{QStringLiteral("name"), m_tableName}}).toString();
+        for (auto it = check.globalMatch(sql); it.hasNext();) {
+            const QRegularExpressionMatch m = it.next();
+            const int column = indexOfName(info->columns, m.captured(1));
+            if (column < 0)
+                continue;
+            const int width = m.captured(3).toInt() - (m.captured(2) == QLatin1String("<") ? 1 : 0);
+            int& maxLength = info->ranges[size_t(column)].maxLength;
+            maxLength = maxLength < 0 ? width : std::min(maxLength, width);
+        }
+    }
+    if (info->columns.isEmpty())
+        info->table.clear(); // no such table yet: ask again next time
+    m_tableInfo = info;
+    return *m_tableInfo;
+}
+
 QList<int> Dataset::resolveKeys(const QHash<QString, int>& lookup) {
     QStringList keys = m_keyFields;
-    if (keys.isEmpty() && !IsQuery()) {
-        if (m_detectedKeysOf != m_tableName) {
-            const SqlRows info = m_database->select(kTableInfo.arg(quoteName(m_tableName)));
-            QList<QPair<int, QString>> primary;
-            for (qsizetype r = 0; r < info.rows.size(); ++r) {
-                const int order = info.value(r, QStringLiteral("pk")).toInt();
-                if (order > 0)
-                    primary << qMakePair(order, info.value(r, QStringLiteral("name")).toString());
-            }
-            std::sort(primary.begin(), primary.end());
-            m_detectedKeys.clear();
-            for (const auto& p : std::as_const(primary))
-                m_detectedKeys << p.second;
-            m_detectedKeysOf = m_tableName;
-        }
-        keys = m_detectedKeys;
-    }
+    if (keys.isEmpty() && !IsQuery())
+        keys = tableInfo().primaryKey;
     QList<int> indexes;
     for (const QString& key : std::as_const(keys)) {
         const int index = lookup.value(key.toLower(), -1);
@@ -363,15 +676,59 @@ QList<int> Dataset::resolveKeys(const QHash<QString, int>& lookup) {
     return indexes;
 }
 
-void Dataset::loadRows(QList<QVariantList>&& rows) {
-    m_rows = std::move(rows);
-    if (m_calcNames.isEmpty())
-        return;
-    const int width = FieldCount();
-    for (QVariantList& row : m_rows) {
-        row.resize(width);
-        calculate(row);
+int Dataset::RecordCount() const {
+    return int(m_store->size());
+}
+
+bool Dataset::isHeld(int field) const {
+    return field >= 0 && field < m_slotOf.size() && m_slotOf.at(field) >= 0;
+}
+
+/// Field names, their lookup and where each field is kept; `held` lists the data fields read for
+/// every row, in the order the statement reads them.
+void Dataset::setFields(const QStringList& dataNames, const QList<int>& held) {
+    m_fieldNames = dataNames;
+    m_fieldLookup.clear();
+    for (int i = 0; i < dataNames.size(); ++i)
+        if (!m_fieldLookup.contains(dataNames.at(i).toLower()))
+            m_fieldLookup.insert(dataNames.at(i).toLower(), i);
+    m_dataFieldCount = int(dataNames.size());
+    for (const QString& calc : std::as_const(m_calcNames)) {
+        m_fieldLookup.insert(calc.toLower(), int(m_fieldNames.size()));
+        m_fieldNames << calc;
     }
+    m_slotOf = QList<int>(m_fieldNames.size(), -1);
+    m_fieldOfSlot.clear();
+    for (int field : held) {
+        m_slotOf[field] = int(m_fieldOfSlot.size());
+        m_fieldOfSlot << field;
+    }
+    for (int field = m_dataFieldCount; field < m_fieldNames.size(); ++field) {
+        m_slotOf[field] = int(m_fieldOfSlot.size());
+        m_fieldOfSlot << field;
+    }
+    m_unheld.clear();
+    for (int field = 0; field < m_dataFieldCount; ++field)
+        if (m_slotOf.at(field) < 0)
+            m_unheld << field;
+}
+
+/// One row as read: the held data fields in statement order, then room for the calculated ones.
+void Dataset::addRow(RowStore& store, QVariantList& values) {
+    const int held = int(m_fieldOfSlot.size()) - (FieldCount() - m_dataFieldCount);
+    if (m_calcNames.isEmpty()) {
+        store.append(values);
+        return;
+    }
+    QVariantList row(FieldCount());
+    for (int s = 0; s < held; ++s)
+        row[m_fieldOfSlot.at(s)] = values.at(s);
+    calculate(row, true);
+    values.resize(m_fieldOfSlot.size());
+    for (qsizetype s = held; s < m_fieldOfSlot.size(); ++s)
+        values[s] = row.at(m_fieldOfSlot.at(s));
+    store.append(values);
+    values.resize(held);
 }
 
 void Dataset::Open() {
@@ -381,47 +738,151 @@ void Dataset::Open() {
         throw DatasetError(QStringLiteral("The dataset has no database"));
     if (!IsQuery() && m_tableName.isEmpty())
         throw DatasetError(QStringLiteral("The dataset has neither a table nor a statement"));
-
-    const QString sql = selectText();
     const QVariantMap params = effectiveParams();
-    SqlRows result = m_database->select(sql, params);
+    // A calculated field that reads a column not held has it added, and the rows are read again.
+    while (!openWith(params)) {
+    }
+    commitOpen();
+}
 
-    QStringList names = result.columns;
+/// Reads the rows; false when they are to be read again (see openTable).
+bool Dataset::openWith(const QVariantMap& params) {
+    // A statement's columns are known once it ran; a table without columns is one the engine does
+    // not know, and its own error says so.
+    if (IsQuery() || tableInfo().columns.isEmpty()) {
+        openQuery(params);
+        return true;
+    }
+    return openTable(params);
+}
+
+/// Lookup of lower-case names; a calculated field may not take a column's name.
+QHash<QString, int> Dataset::columnLookup(const QStringList& columns) const {
     QHash<QString, int> lookup;
-    for (int i = 0; i < names.size(); ++i)
-        if (!lookup.contains(names.at(i).toLower()))
-            lookup.insert(names.at(i).toLower(), i);
-    for (const QString& calc : std::as_const(m_calcNames)) {
+    for (int i = 0; i < columns.size(); ++i)
+        if (!lookup.contains(columns.at(i).toLower()))
+            lookup.insert(columns.at(i).toLower(), i);
+    for (const QString& calc : std::as_const(m_calcNames))
         if (lookup.contains(calc.toLower()))
             throw DatasetError(QStringLiteral("Calculated field '%1' has the name of a column").arg(calc));
-        lookup.insert(calc.toLower(), int(names.size()));
-        names << calc;
-    }
-    const QList<int> keys = resolveKeys(lookup);
+    return lookup;
+}
 
+/// Every column of every row, as the statement gives them.
+void Dataset::openQuery(const QVariantMap& params) {
+    const QString sql = selectText();
+    SqlRows result = m_database->select(sql, params);
+    const QList<int> keys = resolveKeys(columnLookup(result.columns));
     emit aboutToReset();
+    QList<int> all;
+    for (int i = 0; i < result.columns.size(); ++i)
+        all << i;
+    setFields(result.columns, all);
+    m_keyIndexes = keys;
     m_openSql = sql;
     m_openParams = params;
     m_boundValues = boundValues(params);
-    m_fieldNames = names;
-    m_fieldLookup = lookup;
-    m_dataFieldCount = int(result.columns.size());
+    m_fetchSql.clear();
+    m_ranges.clear();
+    if (!m_tableName.isEmpty()) {
+        // A query that writes to a table keeps that table's ranges for the columns it shows.
+        const TableInfo& info = tableInfo();
+        for (const QString& name : std::as_const(result.columns)) {
+            const int column = indexOfName(info.columns, name);
+            m_ranges.push_back(column < 0 ? FieldRange() : info.ranges[size_t(column)]);
+        }
+    }
+    auto store = std::make_unique<RowStore>(int(m_fieldOfSlot.size()));
+    try {
+        for (QVariantList& row : result.rows)
+            addRow(*store, row);
+    } catch (...) {
+        m_store = std::make_unique<RowStore>(0);
+        emit reset();
+        throw;
+    }
+    m_store = std::move(store);
+    m_readByCursor = false;
+    m_openFilter = m_filtered ? m_filter.trimmed() : QString();
+}
+
+/// The table's held columns of every row; false when a calculated field needed a column not
+/// held, which is held from then on.
+bool Dataset::openTable(const QVariantMap& params) {
+    const TableInfo& info = tableInfo();
+    const QHash<QString, int> lookup = columnLookup(info.columns);
+    const QList<int> keys = resolveKeys(lookup);
+    // Held: every column, or with row fields and a key to read the others by, the key, the row
+    // fields and what calculated fields read.
+    QList<int> held;
+    if (m_rowFields.isEmpty() || keys.isEmpty()) {
+        for (int i = 0; i < info.columns.size(); ++i)
+            held << i;
+    } else {
+        QSet<int> wanted(keys.begin(), keys.end());
+        for (const QString& name : m_rowFields + m_calcNeeds) {
+            const int i = lookup.value(name.toLower(), -1);
+            if (i >= 0)
+                wanted.insert(i);
+        }
+        for (int i = 0; i < info.columns.size(); ++i)
+            if (wanted.contains(i))
+                held << i;
+    }
+    QStringList heldNames;
+    for (int i : std::as_const(held))
+        heldNames << info.columns.at(i);
+    const QString sql = selectText(heldNames);
+    auto cursor = m_database->run(sql, params);
+
+    emit aboutToReset();
+    setFields(info.columns, held);
     m_keyIndexes = keys;
+    m_ranges = info.ranges;
+    m_openSql = sql;
+    m_openParams = params;
+    m_boundValues = boundValues(params);
+    m_fetchSql.clear();
+    if (!m_unheld.isEmpty()) {
+        QStringList unheld;
+        for (int field : std::as_const(m_unheld))
+            unheld << quoteName(m_fieldNames.at(field));
+        QVariantMap dummy;
+        m_fetchSql = kSelectColumns.arg(unheld.join(QStringLiteral(", ")), quoteName(m_tableName)) +
+                     kWhereClause.arg(keyCondition(QVariantList(keys.size()), dummy));
+    }
+    auto store = std::make_unique<RowStore>(int(m_fieldOfSlot.size()));
+    try {
+        forEachRow(cursor, int(held.size()), [&](QVariantList& values) { addRow(*store, values); });
+    } catch (const NeedField& need) {
+        m_store = std::make_unique<RowStore>(0);
+        emit reset();
+        const QString name = m_fieldNames.value(need.field);
+        if (name.isEmpty() || m_calcNeeds.contains(name, Qt::CaseInsensitive))
+            throw DatasetError(QStringLiteral("Field '%1' cannot be read while calculating").arg(name));
+        m_calcNeeds << name;
+        return false;
+    } catch (...) {
+        m_store = std::make_unique<RowStore>(0);
+        emit reset();
+        throw;
+    }
+    m_store = std::move(store);
+    m_readByCursor = true;
+    m_openFilter = m_filtered ? m_filter.trimmed() : QString();
+    return true;
+}
+
+/// The rows are read: browse state on the first row, and the signals and events of an Open.
+void Dataset::commitOpen() {
+    forgetFetched();
     m_buffer.clear();
     m_assigned.clear();
     m_changed = false;
     m_state = dsBrowse;
-    m_current = -1;
-    try {
-        loadRows(std::move(result.rows));
-    } catch (...) {
-        emit reset();
-        emit stateChanged(m_state);
-        throw;
-    }
-    m_current = m_rows.isEmpty() ? -1 : 0;
+    m_current = IsEmpty() ? -1 : 0;
     m_bof = true;
-    m_eof = m_rows.isEmpty();
+    m_eof = IsEmpty();
     emit reset();
     emit stateChanged(m_state);
     setCurrent(m_current);
@@ -432,7 +893,8 @@ void Dataset::Close() {
     if (!Active())
         return;
     emit aboutToReset();
-    m_rows.clear();
+    m_store = std::make_unique<RowStore>(0);
+    forgetFetched();
     m_buffer.clear();
     m_assigned.clear();
     m_changed = false;
@@ -459,27 +921,49 @@ void Dataset::Refresh() {
     requireActive();
     if (!checkBrowseMode())
         return;
-    SqlRows result = m_database->select(m_openSql, m_openParams);
-    if (result.columns != m_fieldNames.mid(0, m_dataFieldCount)) {
-        Close();
-        Open();
-        return;
-    }
     const Bookmark mark = m_current >= 0 ? bookmarkAt(m_current) : Bookmark();
     const int oldRow = m_current;
-    emit aboutToReset();
-    try {
-        loadRows(std::move(result.rows));
-    } catch (...) {
-        m_current = m_rows.isEmpty() ? -1 : qBound(0, oldRow, int(m_rows.size()) - 1);
-        emit reset();
-        throw;
+    auto store = std::make_unique<RowStore>(int(m_fieldOfSlot.size()));
+    const int held = int(m_fieldOfSlot.size()) - (FieldCount() - m_dataFieldCount);
+    if (!m_readByCursor) {
+        SqlRows result = m_database->select(m_openSql, m_openParams);
+        if (result.columns != m_fieldNames.mid(0, m_dataFieldCount)) {
+            Close();
+            Open();
+            return;
+        }
+        emit aboutToReset();
+        try {
+            for (QVariantList& row : result.rows)
+                addRow(*store, row);
+        } catch (...) {
+            emit reset();
+            throw;
+        }
+    } else {
+        auto cursor = m_database->run(m_openSql, m_openParams);
+        emit aboutToReset();
+        try {
+            forEachRow(cursor, held, [&](QVariantList& values) { addRow(*store, values); });
+        } catch (const NeedField& need) {
+            // A calculated field reads a column that is not held: open again with it.
+            emit reset();
+            m_calcNeeds << m_fieldNames.value(need.field);
+            Close();
+            Open();
+            return;
+        } catch (...) {
+            emit reset();
+            throw;
+        }
     }
+    m_store = std::move(store);
+    forgetFetched();
     int row = mark.isEmpty() ? -1 : findBookmark(mark);
     if (row < 0)
-        row = m_rows.isEmpty() ? -1 : qBound(0, oldRow, int(m_rows.size()) - 1);
+        row = IsEmpty() ? -1 : qBound(0, oldRow, RecordCount() - 1);
     m_current = row;
-    m_bof = m_eof = m_rows.isEmpty();
+    m_bof = m_eof = IsEmpty();
     emit reset();
     setCurrent(m_current);
 }
@@ -544,9 +1028,9 @@ void Dataset::First() {
     requireActive();
     if (!checkBrowseMode())
         return;
-    setCurrent(m_rows.isEmpty() ? -1 : 0);
+    setCurrent(IsEmpty() ? -1 : 0);
     m_bof = true;
-    m_eof = m_rows.isEmpty();
+    m_eof = IsEmpty();
     fireAfterScroll();
 }
 
@@ -554,9 +1038,9 @@ void Dataset::Last() {
     requireActive();
     if (!checkBrowseMode())
         return;
-    setCurrent(int(m_rows.size()) - 1);
+    setCurrent(RecordCount() - 1);
     m_eof = true;
-    m_bof = m_rows.isEmpty();
+    m_bof = IsEmpty();
     fireAfterScroll();
 }
 
@@ -565,7 +1049,7 @@ void Dataset::Next() {
     if (!checkBrowseMode() || m_eof)
         return;
     m_bof = false;
-    if (m_current + 1 < m_rows.size())
+    if (m_current + 1 < RecordCount())
         setCurrent(m_current + 1);
     else
         m_eof = true;
@@ -586,11 +1070,11 @@ void Dataset::Prior() {
 
 bool Dataset::moveTo(int row) {
     requireActive();
-    if (row < 0 || row >= m_rows.size())
+    if (row < 0 || row >= RecordCount())
         return false;
     if (row == m_current)
         return true;
-    if (!checkBrowseMode() || row >= m_rows.size())
+    if (!checkBrowseMode() || row >= RecordCount())
         return false;
     setCurrent(row);
     m_bof = m_eof = false;
@@ -611,19 +1095,62 @@ bool Dataset::Locate(const QStringList& fields, const QVariantList& values) {
         columns << FieldByName(name).Index();
     if (!checkBrowseMode())
         return false;
-    for (int r = 0; r < m_rows.size(); ++r) {
-        const QVariantList& row = m_rows.at(r);
-        bool match = true;
-        for (int k = 0; k < columns.size() && match; ++k)
-            match = sameValue(row.value(columns.at(k)), values.at(k));
-        if (match) {
-            setCurrent(r);
-            m_bof = m_eof = false;
-            fireAfterScroll();
-            return true;
+    const int row = findRow(columns, values);
+    if (row < 0)
+        return false;
+    setCurrent(row);
+    m_bof = m_eof = false;
+    fireAfterScroll();
+    return true;
+}
+
+/// The first row whose fields equal the values, -1 when none does. Fields that are not held are
+/// compared in one pass over the table's rows within the filter of the last Open.
+int Dataset::findRow(const QList<int>& columns, const QVariantList& values) {
+    QList<int> heldColumns;
+    QVariantList heldValues;
+    QList<int> unheld;
+    QVariantList unheldValues;
+    for (int k = 0; k < columns.size(); ++k) {
+        if (isHeld(columns.at(k))) {
+            heldColumns << columns.at(k);
+            heldValues << values.at(k);
+        } else {
+            unheld << columns.at(k);
+            unheldValues << values.at(k);
         }
     }
-    return false;
+    QSet<QString> matchingKeys;
+    if (!unheld.isEmpty()) {
+        QStringList names;
+        for (int key : std::as_const(m_keyIndexes))
+            names << quoteName(m_fieldNames.at(key));
+        for (int field : std::as_const(unheld))
+            names << quoteName(m_fieldNames.at(field));
+        QString sql = kSelectColumns.arg(names.join(QStringLiteral(", ")), quoteName(m_tableName));
+        if (!m_openFilter.isEmpty())
+            sql += kWhereClause.arg(m_openFilter);
+        auto cursor = m_database->run(sql, m_openParams);
+        const int keyCount = int(m_keyIndexes.size());
+        forEachRow(cursor, int(names.size()), [&](const QVariantList& row) {
+            for (int k = 0; k < unheld.size(); ++k)
+                if (!sameValue(row.at(keyCount + k), unheldValues.at(k)))
+                    return;
+            matchingKeys.insert(keyText(row.mid(0, keyCount)));
+        });
+        if (matchingKeys.isEmpty())
+            return -1;
+    }
+    for (int r = 0; r < RecordCount(); ++r) {
+        bool match = true;
+        for (int k = 0; k < heldColumns.size() && match; ++k)
+            match = sameValue(m_store->get(r, m_slotOf.at(heldColumns.at(k))), heldValues.at(k));
+        if (match && !unheld.isEmpty())
+            match = matchingKeys.contains(keyText(keyValuesAt(r)));
+        if (match)
+            return r;
+    }
+    return -1;
 }
 
 QVariantList Dataset::keyValues(const QVariantList& row) const {
@@ -635,10 +1162,23 @@ QVariantList Dataset::keyValues(const QVariantList& row) const {
     return keys;
 }
 
+/// The key of a stored row; without a key, all its data values (every field is held then).
+QVariantList Dataset::keyValuesAt(int row) const {
+    QVariantList keys;
+    if (m_keyIndexes.isEmpty()) {
+        for (int field = 0; field < m_dataFieldCount; ++field)
+            keys << m_store->get(row, m_slotOf.at(field));
+        return keys;
+    }
+    for (int index : m_keyIndexes)
+        keys << m_store->get(row, m_slotOf.at(index));
+    return keys;
+}
+
 Bookmark Dataset::bookmarkAt(int row) const {
-    if (row < 0 || row >= m_rows.size())
+    if (row < 0 || row >= RecordCount())
         return Bookmark();
-    return keyValues(m_rows.at(row));
+    return keyValuesAt(row);
 }
 
 Bookmark Dataset::GetBookmark() const {
@@ -648,8 +1188,8 @@ Bookmark Dataset::GetBookmark() const {
 int Dataset::findBookmark(const Bookmark& bookmark) const {
     if (bookmark.isEmpty())
         return -1;
-    for (int r = 0; r < m_rows.size(); ++r)
-        if (sameValues(keyValues(m_rows.at(r)), bookmark))
+    for (int r = 0; r < RecordCount(); ++r)
+        if (sameValues(keyValuesAt(r), bookmark))
             return r;
     return -1;
 }
@@ -685,22 +1225,130 @@ Field Dataset::FieldByName(const QString& name) {
     return Field(this, index);
 }
 
+void Dataset::forgetFetched() const {
+    for (FetchedRow& f : m_fetched)
+        f = FetchedRow();
+}
+
+/// The fields not held of a row, read by its key when not read already; throws DbError.
+const Dataset::FetchedRow& Dataset::fetched(int row) const {
+    for (const FetchedRow& f : m_fetched)
+        if (f.row == row)
+            return f;
+    FetchedRow fresh;
+    fresh.row = row;
+    fresh.values = QVariantList(FieldCount());
+    QVariantMap params;
+    keyCondition(keyValuesAt(row), params); // m_fetchSql holds the condition; this gives its values
+    const SqlRows read = m_database->select(m_fetchSql, params);
+    if (!read.rows.isEmpty())
+        for (int c = 0; c < m_unheld.size() && c < read.rows.first().size(); ++c)
+            fresh.values[m_unheld.at(c)] = read.rows.first().at(c);
+    FetchedRow& slot = m_fetched[row == m_current ? 0 : 1];
+    slot = std::move(fresh);
+    return slot;
+}
+
+QVariantList Dataset::fullRow(int row) const {
+    QVariantList values(FieldCount());
+    for (int field = 0; field < FieldCount(); ++field)
+        if (m_slotOf.at(field) >= 0)
+            values[field] = m_store->get(row, m_slotOf.at(field));
+    if (!m_unheld.isEmpty()) {
+        const FetchedRow& f = fetched(row);
+        for (int field : m_unheld)
+            values[field] = f.values.at(field);
+    }
+    return values;
+}
+
+/// Puts a whole record (as posted and read back) into the row.
+void Dataset::storeRow(int row, const QVariantList& full) {
+    for (int s = 0; s < m_fieldOfSlot.size(); ++s)
+        m_store->set(row, s, full.value(m_fieldOfSlot.at(s)));
+    forgetFetched();
+    if (!m_unheld.isEmpty()) {
+        m_fetched[0].row = row;
+        m_fetched[0].values = full;
+    }
+}
+
 QVariant Dataset::value(int row, int field) const {
-    if (row < 0 || row >= m_rows.size() || field < 0 || field >= FieldCount())
+    if (row < 0 || row >= RecordCount() || field < 0 || field >= FieldCount())
         return QVariant();
     if (row == m_current && (m_state == dsEdit || m_state == dsInsert))
         return m_buffer.value(field);
-    return m_rows.at(row).value(field);
+    const int slot = m_slotOf.at(field);
+    if (slot >= 0)
+        return m_store->get(row, slot);
+    try {
+        return fetched(row).values.value(field);
+    } catch (const DbError&) {
+        // Shown in a grid or a control: an empty cell rather than an exception in a paint.
+        return QVariant();
+    }
 }
 
-const QVariantList* Dataset::activeBuffer() const {
-    if (m_calcRow)
-        return m_calcRow;
+QVariant Dataset::currentValue(int field) const {
+    if (m_calcRow) {
+        if (m_calcBulk && field < m_dataFieldCount && !isHeld(field))
+            throw NeedField{field};
+        return m_calcRow->value(field);
+    }
     if (m_state == dsEdit || m_state == dsInsert)
-        return &m_buffer;
-    if (m_current >= 0 && m_current < m_rows.size())
-        return &m_rows.at(m_current);
-    return nullptr;
+        return m_buffer.value(field);
+    if (m_current < 0 || m_current >= RecordCount() || field < 0 || field >= FieldCount())
+        return QVariant();
+    const int slot = m_slotOf.at(field);
+    return slot >= 0 ? m_store->get(m_current, slot) : fetched(m_current).values.value(field);
+}
+
+/// Refuses a value outside the column's range: integers always, text lengths when `text`.
+void Dataset::checkRange(int field, const QVariant& value, bool text) const {
+    if (field < 0 || size_t(field) >= m_ranges.size() || isNull(value))
+        return;
+    const FieldRange& range = m_ranges[size_t(field)];
+    if (range.integer) {
+        bool inside = true;
+        QString shown;
+        if (isIntegral(value)) {
+            const qlonglong n = value.toLongLong();
+            inside = n >= range.min && n <= range.max;
+            shown = QString::number(n);
+        } else {
+            // Text that is a number goes into the column as that number.
+            bool ok = false;
+            const double d = isText(value) ? value.toString().trimmed().toDouble(&ok) : value.toDouble(&ok);
+            if (ok) {
+                inside = d >= double(range.min) && d <= double(range.max);
+                shown = isText(value) ? value.toString().trimmed() : QString::number(d, 'g', 15);
+            }
+        }
+        if (!inside)
+            throw FieldRangeError(
+                QStringLiteral("%1 is not a valid value for field '%2'. The allowed range is %3 "
+                               "to %4.")
+                    .arg(shown, m_fieldNames.at(field))
+                    .arg(range.min)
+                    .arg(range.max));
+    }
+    if (text && range.maxLength >= 0) {
+        const qsizetype length = lengthOf(value);
+        if (length > range.maxLength)
+            throw FieldRangeError(
+                QStringLiteral("The text for field '%1' is %2 characters long. The field holds at "
+                               "most %3 characters.")
+                    .arg(m_fieldNames.at(field))
+                    .arg(length)
+                    .arg(range.maxLength));
+    }
+}
+
+/// Every value about to be written lies within its column's range.
+void Dataset::checkRanges() const {
+    for (int field = 0; field < m_dataFieldCount; ++field)
+        if (m_assigned.value(field))
+            checkRange(field, m_buffer.at(field), true);
 }
 
 void Dataset::setFieldValue(int field, const QVariant& value) {
@@ -722,6 +1370,8 @@ void Dataset::setFieldValue(int field, const QVariant& value) {
     if (isCalculated(field))
         throw DatasetError(
             QStringLiteral("Field '%1' is calculated and cannot be changed").arg(fieldName(field)));
+    // A number outside the column's range is refused as it is assigned; a long text at Post.
+    checkRange(field, v, false);
     m_buffer[field] = v;
     m_assigned[field] = true;
     m_changed = true;
@@ -729,15 +1379,17 @@ void Dataset::setFieldValue(int field, const QVariant& value) {
     currentRowChanged();
 }
 
-void Dataset::calculate(QVariantList& row) {
+void Dataset::calculate(QVariantList& row, bool bulk) {
     if (m_calcNames.isEmpty())
         return;
     for (int i = m_dataFieldCount; i < row.size(); ++i)
         row[i] = QVariant();
     if (!OnCalcFields)
         return;
-    RestorePointer restore{m_calcRow, m_calcRow};
+    Restore<QVariantList*> restoreRow{m_calcRow, m_calcRow};
+    Restore<bool> restoreBulk{m_calcBulk, m_calcBulk};
     m_calcRow = &row;
+    m_calcBulk = bulk;
     try {
         OnCalcFields(*this);
     } catch (const Abort&) {
@@ -754,9 +1406,10 @@ bool Dataset::Edit() {
         return true;
     if (m_readOnly)
         return false;
-    if (m_rows.isEmpty())
+    if (IsEmpty())
         return Insert();
-    m_buffer = m_rows.at(m_current);
+    // The record being edited has all its columns, so that what is not changed stays as it was.
+    m_buffer = fullRow(m_current);
     m_assigned = QList<bool>(FieldCount(), false);
     m_changed = false;
     setState(dsEdit);
@@ -785,12 +1438,13 @@ bool Dataset::startInsert(bool append) {
     }
     if (m_state != dsBrowse)
         return false;
-    const int row = append || m_current < 0 ? int(m_rows.size()) : m_current;
+    const int row = append || m_current < 0 ? RecordCount() : m_current;
     m_returnRow = m_current;
     m_buffer = QVariantList(FieldCount());
     m_assigned = QList<bool>(FieldCount(), false);
     emit rowAboutToBeInserted(row);
-    m_rows.insert(row, m_buffer);
+    m_store->insertNull(row);
+    forgetFetched();
     emit rowInserted(row);
     m_bof = m_eof = false;
     setState(dsInsert);
@@ -819,10 +1473,11 @@ void Dataset::dropInsertRow() {
     m_changed = false;
     setState(dsBrowse);
     emit rowAboutToBeRemoved(row);
-    m_rows.removeAt(row);
+    m_store->remove(row);
+    forgetFetched();
     emit rowRemoved(row);
-    m_bof = m_eof = m_rows.isEmpty();
-    setCurrent(m_rows.isEmpty() ? -1 : qBound(0, m_returnRow, int(m_rows.size()) - 1));
+    m_bof = m_eof = IsEmpty();
+    setCurrent(IsEmpty() ? -1 : qBound(0, m_returnRow, RecordCount() - 1));
 }
 
 void Dataset::Cancel() {
@@ -894,7 +1549,7 @@ void Dataset::writeUpdate() {
     }
     if (sets.isEmpty())
         return;
-    const QString where = keyCondition(keyValues(m_rows.at(m_current)), params);
+    const QString where = keyCondition(keyValuesAt(m_current), params);
     m_database->exec(kUpdateRow.arg(quoteName(m_tableName), sets.join(QStringLiteral(", ")), where), params);
 }
 
@@ -926,6 +1581,7 @@ bool Dataset::Post() {
     }
     if (m_state != dsEdit && m_state != dsInsert)
         return false;
+    checkRanges();
     if (m_state == dsInsert)
         writeInsert();
     else
@@ -934,7 +1590,7 @@ bool Dataset::Post() {
     QVariantList row = m_buffer;
     reread(row);
     calculate(row);
-    m_rows[m_current] = row;
+    storeRow(m_current, row);
     m_buffer.clear();
     m_assigned.clear();
     m_changed = false;
@@ -950,7 +1606,7 @@ bool Dataset::Delete() {
         Cancel();
         return true;
     }
-    if (m_readOnly || m_rows.isEmpty())
+    if (m_readOnly || IsEmpty())
         return false;
     // Checked before the handler, whose cascades would otherwise run for a row that stays.
     requireWriteTarget(true);
@@ -960,10 +1616,10 @@ bool Dataset::Delete() {
     } catch (const Abort&) {
         return false;
     }
-    if (!Active() || m_rows.isEmpty())
+    if (!Active() || IsEmpty())
         return false;
     QVariantMap params;
-    const QString where = keyCondition(keyValues(m_rows.at(m_current)), params);
+    const QString where = keyCondition(keyValuesAt(m_current), params);
     m_database->exec(kDeleteRow.arg(quoteName(m_tableName), where), params);
     if (m_state == dsEdit) {
         m_buffer.clear();
@@ -973,10 +1629,11 @@ bool Dataset::Delete() {
     }
     const int row = m_current;
     emit rowAboutToBeRemoved(row);
-    m_rows.removeAt(row);
+    m_store->remove(row);
+    forgetFetched();
     emit rowRemoved(row);
-    m_bof = m_eof = m_rows.isEmpty();
-    setCurrent(m_rows.isEmpty() ? -1 : qMin(row, int(m_rows.size()) - 1));
+    m_bof = m_eof = IsEmpty();
+    setCurrent(IsEmpty() ? -1 : qMin(row, RecordCount() - 1));
     runAfterEvent(AfterDelete);
     fireAfterScroll();
     return true;

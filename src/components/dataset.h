@@ -9,7 +9,9 @@
 #include <QVariantList>
 #include <QVariantMap>
 #include <functional>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 namespace qm {
 
@@ -23,6 +25,13 @@ enum DatasetState { dsInactive, dsBrowse, dsEdit, dsInsert, dsCalcFields };
 class DatasetError : public std::runtime_error {
 public:
     explicit DatasetError(const QString& message) : std::runtime_error(message.toStdString()) {}
+};
+
+/// A value outside the range its column declares (a 16-bit smallint, a 32-bit integer, text of at
+/// most n characters). The value is refused before anything is stored.
+class FieldRangeError : public DatasetError {
+public:
+    using DatasetError::DatasetError;
 };
 
 /// A stable handle of one record: its key values, or all its data values when there is no key.
@@ -61,7 +70,7 @@ private:
     int m_index;
 };
 
-/// Rows of a table or of a SELECT read whole into memory, with a cursor, browse/edit/insert states
+/// Rows of a table or of a SELECT read into memory, with a cursor, browse/edit/insert states
 /// and the events that record windows hang their rules on. A handler refuses an operation by
 /// throwing Abort: the operation returns false and the dataset stays as it was.
 ///
@@ -70,6 +79,11 @@ private:
 /// (after AfterDelete). Moving while in edit or insert state posts first, and stays when the post is
 /// refused. Abort thrown by an After* handler is swallowed: the operation is already done. Any
 /// other exception, DbError included, reaches the caller with the state unchanged.
+///
+/// A table with row fields keeps only those (and its key) for every row; its other columns (memos,
+/// pictures, rich text) are read for one row at a time, by key, when a field of that row is read
+/// or the row is edited. Writing a value outside its column's declared range throws
+/// FieldRangeError: integers on assignment, text lengths on Post.
 class Dataset : public QObject {
     Q_OBJECT
 public:
@@ -86,6 +100,10 @@ public:
     void SetTableName(const QString& table);
     QString TableName() const { return m_tableName; }
     void SetKeyFields(const QStringList& fields) { m_keyFields = fields; }
+    /// Fields held for every row of a table (the grid's columns); the key, and columns that
+    /// calculated fields read, are held as well. Empty: every column. Applies at the next Open.
+    void SetRowFields(const QStringList& fields) { m_rowFields = fields; }
+    QStringList RowFields() const { return m_rowFields; }
     QStringList KeyFields() const { return m_keyFields; }
     /// ORDER BY terms ("unitName", "[UnitName] ASC", "a, b DESC"); text sorts without regard to case.
     void SetSortedBy(const QString& orderBy) { m_sortedBy = orderBy; }
@@ -136,9 +154,9 @@ public:
     void Prior();
     bool Eof() const { return m_eof; }
     bool Bof() const { return m_bof; }
-    bool IsEmpty() const { return m_rows.isEmpty(); }
+    bool IsEmpty() const { return RecordCount() == 0; }
     /// Rows held, including a record being inserted.
-    int RecordCount() const { return int(m_rows.size()); }
+    int RecordCount() const;
     /// Exact match (text compared with case); moves and fires AfterScroll, or returns false and stays.
     bool Locate(const QString& field, const QVariant& value);
     bool Locate(const QStringList& fields, const QVariantList& values);
@@ -180,8 +198,11 @@ public:
     int currentRow() const { return m_current; }
     /// Moves the cursor (posting a pending edit); AfterScroll fires when the row changes.
     bool moveTo(int row);
-    /// Value of a row, seen through the edit buffer on the record being edited.
+    /// Value of a row, seen through the edit buffer on the record being edited. A column that is
+    /// not held is read from the table (null when that fails).
     QVariant value(int row, int field) const;
+    /// Whether the field is kept for every row rather than read for one row when needed.
+    bool isHeld(int field) const;
     QString fieldName(int field) const { return m_fieldNames.value(field); }
     int fieldIndex(const QString& name) const;
     bool isCalculated(int field) const { return field >= m_dataFieldCount && field < FieldCount(); }
@@ -202,8 +223,22 @@ signals:
 
 private:
     friend class Field;
+    class RowStore;
+    struct TableInfo;
+    /// What a column's declared type allows; integer bounds inclusive, maxLength -1 for any.
+    struct FieldRange {
+        bool integer = false;
+        qint64 min = 0;
+        qint64 max = 0;
+        int maxLength = -1;
+    };
+    /// Values of the columns that are not held, read for one row.
+    struct FetchedRow {
+        int row = -1;
+        QVariantList values;
+    };
 
-    const QVariantList* activeBuffer() const;
+    QVariant currentValue(int field) const;
     void setFieldValue(int field, const QVariant& value);
     void requireActive() const;
     void setState(DatasetState state);
@@ -213,23 +248,39 @@ private:
     void setCurrent(int row);
     void currentRowChanged();
     void notifyDetails();
-    void calculate(QVariantList& row);
+    void calculate(QVariantList& row, bool bulk = false);
     bool startInsert(bool append);
     void dropInsertRow();
 
-    QString selectText() const;
+    QString selectText(const QStringList& columns = {}) const;
     QVariantMap effectiveParams() const;
     QVariantList boundValues(const QVariantMap& params) const;
     void onMasterChanged();
+    const TableInfo& tableInfo();
     QList<int> resolveKeys(const QHash<QString, int>& lookup);
+    bool openWith(const QVariantMap& params);
+    QHash<QString, int> columnLookup(const QStringList& columns) const;
+    void openQuery(const QVariantMap& params);
+    bool openTable(const QVariantMap& params);
+    void setFields(const QStringList& dataNames, const QList<int>& held);
+    void addRow(RowStore& store, QVariantList& values);
+    void commitOpen();
     QVariantList keyValues(const QVariantList& row) const;
+    QVariantList keyValuesAt(int row) const;
     QString keyCondition(const QVariantList& keys, QVariantMap& params) const;
     void requireWriteTarget(bool needKey) const;
+    void checkRange(int field, const QVariant& value, bool text) const;
+    void checkRanges() const;
     void writeInsert();
     void writeUpdate();
     void reread(QVariantList& row);
-    void loadRows(QList<QVariantList>&& rows);
     int findBookmark(const Bookmark& bookmark) const;
+    /// Every field of a row, the columns not held read from the table; throws DbError.
+    QVariantList fullRow(int row) const;
+    const FetchedRow& fetched(int row) const;
+    void forgetFetched() const;
+    void storeRow(int row, const QVariantList& full);
+    int findRow(const QList<int>& columns, const QVariantList& values);
 
     Database* m_database = nullptr;
     QString m_tableName;
@@ -237,6 +288,8 @@ private:
     QString m_sortedBy;
     QString m_filter;
     QStringList m_keyFields;
+    QStringList m_rowFields;
+    QStringList m_calcNeeds; ///< columns that calculated fields read, held although no row field
     QStringList m_calcNames;
     QVariantMap m_params;
     QPointer<Dataset> m_master;
@@ -248,12 +301,20 @@ private:
     QString m_openSql;
     QVariantMap m_openParams;
     QVariantList m_boundValues;
+    QString m_openFilter;
+    bool m_readByCursor = false; ///< the last Open named the table's columns rather than ran a SELECT
 
     QStringList m_fieldNames;
     QHash<QString, int> m_fieldLookup; ///< lower-case name -> index
     int m_dataFieldCount = 0;
     QList<int> m_keyIndexes;
-    QList<QVariantList> m_rows;
+    QList<int> m_slotOf;              ///< per field: its column in m_store, -1 when read per row
+    QList<int> m_fieldOfSlot;         ///< per column of m_store: the field
+    QList<int> m_unheld;              ///< data fields read per row, in the order of m_fetchSql
+    QString m_fetchSql;               ///< reads the fields not held of one row by key
+    std::vector<FieldRange> m_ranges; ///< per data field, from the table's declared types
+    std::unique_ptr<RowStore> m_store;
+    mutable FetchedRow m_fetched[2]; ///< the current row's, and the last other row's
     int m_current = -1;
     bool m_bof = true;
     bool m_eof = true;
@@ -264,8 +325,8 @@ private:
     bool m_changed = false;
     int m_returnRow = -1; ///< cursor to go back to when an insert is cancelled
     QVariantList* m_calcRow = nullptr;
-    QString m_detectedKeysOf; ///< table whose primary key m_detectedKeys holds
-    QStringList m_detectedKeys;
+    bool m_calcBulk = false; ///< m_calcRow is a row being read: only held fields are in it
+    std::shared_ptr<const TableInfo> m_tableInfo;
 };
 
 } // namespace qm

@@ -1,5 +1,7 @@
 #include "components/dataset_model.h"
 
+#include "components/messages.h"
+
 namespace qm {
 
 DatasetModel::DatasetModel(Dataset* dataset, QObject* parent)
@@ -65,6 +67,13 @@ QString DatasetModel::columnField(int column) const {
     return column >= 0 && column < m_columns.size() ? m_columns.at(column).field : QString();
 }
 
+QStringList DatasetModel::columnFields() const {
+    QStringList fields;
+    for (const Column& column : m_columns)
+        fields << column.field;
+    return fields;
+}
+
 int DatasetModel::columnOf(const QString& fieldName) const {
     for (int c = 0; c < columnCount(); ++c)
         if (columnField(c).compare(fieldName, Qt::CaseInsensitive) == 0)
@@ -89,23 +98,17 @@ int DatasetModel::columnCount(const QModelIndex& parent) const {
 QVariant DatasetModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || !m_dataset)
         return QVariant();
+    if (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::TextAlignmentRole)
+        return QVariant(); // the view asks for many roles a cell: only these read the value
     const int field = fieldOf(index.column());
     if (field < 0)
         return QVariant();
     const QVariant value = m_dataset->value(index.row(), field);
-    switch (role) {
-    case Qt::DisplayRole:
-    case Qt::EditRole:
+    if (role != Qt::TextAlignmentRole)
         return value.isNull() ? QVariant() : value;
-    case Qt::TextAlignmentRole: {
-        const int type = value.metaType().id();
-        const bool number =
-            type == QMetaType::Int || type == QMetaType::LongLong || type == QMetaType::Double;
-        return number ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter)) : QVariant();
-    }
-    default:
-        return QVariant();
-    }
+    const int type = value.metaType().id();
+    const bool number = type == QMetaType::Int || type == QMetaType::LongLong || type == QMetaType::Double;
+    return number ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter)) : QVariant();
 }
 
 QVariant DatasetModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -140,10 +143,16 @@ bool DatasetModel::setData(const QModelIndex& index, const QVariant& value, int 
     if (role != Qt::EditRole || !index.isValid() || !(flags(index) & Qt::ItemIsEditable))
         return false;
     Dataset& dataset = *m_dataset;
-    if (!dataset.moveTo(index.row()) || !dataset.Edit())
+    // Called from the view's editor: what goes wrong is told here, as nothing above can catch it.
+    try {
+        if (!dataset.moveTo(index.row()) || !dataset.Edit())
+            return false;
+        dataset.FieldAt(fieldOf(index.column())).SetValue(value);
+        return dataset.Post();
+    } catch (const std::exception& e) {
+        ShowError(QString::fromUtf8(e.what()));
         return false;
-    dataset.FieldAt(fieldOf(index.column())).SetValue(value);
-    return dataset.Post();
+    }
 }
 
 int DatasetModel::currentRow() const {

@@ -21,6 +21,8 @@ public:
     void addColumn(const QString& fieldName, const QString& title = QString());
     void clearColumns();
     QString columnField(int column) const;
+    /// Fields of the chosen columns; empty when every field shows.
+    QStringList columnFields() const;
     /// Column showing the field (names compare without case), -1 when none does.
     int columnOf(const QString& fieldName) const;
 
@@ -34,6 +36,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     /// Moves to the row, puts the dataset in edit state, writes the value and posts. False when
     /// the dataset refuses; a refused post leaves the dataset in edit state with the value typed.
+    /// A value the engine or the column's range refuses shows in the Error box.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
     int currentRow() const;

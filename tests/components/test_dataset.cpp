@@ -1,5 +1,6 @@
 // The dataset and its grid model on a real SQLite file: states, writes by key, refusals through
-// Abort, filter, Locate, calculated fields, master-detail, bookmarks, read-only.
+// Abort, filter, Locate, calculated fields, master-detail, bookmarks, read-only, columns read per
+// row, and the ranges of declared column types.
 #include "components/database.h"
 #include "components/dataset.h"
 #include "components/dataset_model.h"
@@ -19,6 +20,34 @@ class TestDataset : public QObject {
     std::unique_ptr<Database> m_db;
 
     QVariant scalar(const QString& sql) { return m_db->scalar(sql); }
+
+    /// Dishes 1..n: group i % 3, a name, servings, a memo (null on every seventh), a picture and a
+    /// number; the big columns are the ones a grid does not show.
+    void makeDishes(int n) {
+        m_db->exec("CREATE TABLE Dishes ( id INT NOT NULL PRIMARY KEY, grp INTEGER, name TEXT, servings "
+                   "SMALLINT, memo TEXT, pic BLOB, kcal FLOAT )");
+        m_db->exec(QString("INSERT INTO Dishes WITH RECURSIVE n( i ) AS ( SELECT 1 UNION ALL SELECT i + 1 "
+                           "FROM n WHERE i < %1 ) SELECT i, i % 3, printf( 'Dish %05d', i ), i % 12, CASE "
+                           "WHEN i % 7 = 0 THEN NULL ELSE printf( 'memo of %d', i ) END, CAST( printf( "
+                           "'pic%d', i ) AS BLOB ), i * 1.5 FROM n")
+                       .arg(n));
+    }
+    /// The memo of a dish as text; null when it has none.
+    static QString memoOf(int id) { return id % 7 == 0 ? QString() : QString("memo of %1").arg(id); }
+    static bool hasMemo(Dataset& ds, int id) {
+        const Field memo = ds.FieldByName("memo");
+        return memo.IsNull() == memoOf(id).isNull() && memo.AsString() == memoOf(id);
+    }
+
+    /// Dishes, newest name first, keeping only name and servings for every row.
+    std::unique_ptr<Dataset> dishes() {
+        auto ds = std::make_unique<Dataset>();
+        ds->SetDatabase(m_db.get());
+        ds->SetTableName("Dishes");
+        ds->SetSortedBy("name DESC");
+        ds->SetRowFields({"name", "SERVINGS", "noSuchColumn"});
+        return ds;
+    }
 
     std::unique_ptr<Dataset> units() {
         auto ds = std::make_unique<Dataset>();
@@ -349,6 +378,208 @@ private slots:
         QVERIFY(ds->Delete());
         QVERIFY(!ds->BookmarkValid(mark));
         QVERIFY(!ds->GotoBookmark(mark));
+    }
+
+    // Only the key and the row fields are kept for every row; every column reads as the engine
+    // gives it, for the current row and for any other, with the same types and nulls.
+    void unheldColumnsReadAsStored() {
+        makeDishes(3000);
+        auto lazy = dishes();
+        lazy->Open();
+        const SqlRows whole = m_db->select("SELECT * FROM Dishes ORDER BY name COLLATE NOCASE DESC");
+        QCOMPARE(lazy->RecordCount(), 3000);
+        QStringList held;
+        for (int f = 0; f < lazy->FieldCount(); ++f)
+            if (lazy->isHeld(f))
+                held << lazy->fieldName(f);
+        QCOMPARE(held, QStringList({"id", "name", "servings"}));
+        QCOMPARE(lazy->FieldCount(), int(whole.columns.size()));
+        for (int row = 0; row < 3000; row += 7)
+            for (int f = 0; f < lazy->FieldCount(); ++f) {
+                const QVariant a = lazy->value(row, f);
+                const QVariant b = whole.rows.at(row).at(f);
+                if (a != b || a.metaType() != b.metaType())
+                    QFAIL(qPrintable(QString("row %1 field %2: %3 against %4")
+                                         .arg(row)
+                                         .arg(whole.columns.at(f), a.toString(), b.toString())));
+            }
+        // Scrolling: the current row's memo follows the cursor both ways.
+        for (lazy->First(); lazy->currentRow() < 40; lazy->Next()) {
+            const int id = lazy->FieldByName("id").AsInteger();
+            QVERIFY(hasMemo(*lazy, id));
+            QCOMPARE(lazy->FieldByName("pic").AsString(), QString("pic%1").arg(id));
+        }
+        lazy->Last();
+        QCOMPARE(lazy->FieldByName("kcal").AsFloat(), 1.5);
+        lazy->Prior();
+        QCOMPARE(lazy->FieldByName("memo").AsString(), QString("memo of 2"));
+    }
+
+    // Edit and insert have every column: an edit writes back only what changed, so a memo not
+    // touched keeps its value; cancelling an edit or an insert shows the record as stored, also
+    // after the rows moved up and down around the insert; a delete moves on to a row read afresh.
+    void unheldColumnsThroughChanges() {
+        makeDishes(2000);
+        auto ds = dishes();
+        ds->Open();
+        QVERIFY(ds->Locate("id", 1500));
+        QVERIFY(ds->Edit());
+        QCOMPARE(ds->FieldByName("memo").AsString(), QString("memo of 1500"));
+        ds->FieldByName("name").SetAsString("Renamed");
+        QVERIFY(ds->Post());
+        QCOMPARE(scalar("SELECT memo || '/' || kcal FROM Dishes WHERE id = 1500").toString(),
+                 QString("memo of 1500/2250.0"));
+        QCOMPARE(ds->FieldByName("pic").AsString(), QString("pic1500"));
+
+        QVERIFY(ds->Edit());
+        ds->FieldByName("memo").SetAsString("typed");
+        ds->Cancel();
+        QCOMPARE(ds->FieldByName("memo").AsString(), QString("memo of 1500"));
+        QVERIFY(ds->Edit());
+        ds->FieldByName("memo").SetAsString("kept");
+        QVERIFY(ds->Post());
+        ds->Next();
+        ds->Prior();
+        QCOMPARE(ds->FieldByName("memo").AsString(), QString("kept"));
+        QCOMPARE(scalar("SELECT memo FROM Dishes WHERE id = 1500").toString(), QString("kept"));
+
+        // An insert before the current row shifts it down; its columns still belong to it.
+        QVERIFY(ds->Locate("id", 600));
+        const int row = ds->currentRow();
+        QCOMPARE(ds->value(row + 1, ds->fieldIndex("memo")).toString(), memoOf(599));
+        QVERIFY(ds->Insert());
+        QCOMPARE(ds->value(row + 1, ds->fieldIndex("memo")).toString(), memoOf(600));
+        QVERIFY(ds->FieldByName("memo").IsNull());
+        ds->Cancel();
+        QCOMPARE(ds->currentRow(), row);
+        QVERIFY(hasMemo(*ds, 600));
+        QVERIFY(ds->Insert());
+        ds->FieldByName("id").SetAsInteger(9000);
+        ds->FieldByName("name").SetAsString("Dish 00600b");
+        ds->FieldByName("memo").SetAsString("new memo");
+        QVERIFY(ds->Post());
+        QCOMPARE(ds->FieldByName("memo").AsString(), QString("new memo"));
+        ds->Next();
+        QCOMPARE(ds->FieldByName("id").AsInteger(), 600);
+        QVERIFY(hasMemo(*ds, 600));
+
+        QVERIFY(ds->Delete());
+        QCOMPARE(ds->FieldByName("id").AsInteger(), 599);
+        QVERIFY(hasMemo(*ds, 599));
+        // A change made beside the dataset shows after a refresh.
+        m_db->exec("UPDATE Dishes SET memo = 'from outside' WHERE id = 599");
+        ds->Refresh();
+        QCOMPARE(ds->FieldByName("memo").AsString(), QString("from outside"));
+    }
+
+    // Filter and Locate: a filter on a column not held works in the statement; Locate on such a
+    // column finds the first row in the dataset's order, within the filter, also mixed with a held
+    // field. A calculated field that reads a column not held gets it for every row.
+    void unheldColumnsFilterLocateAndCalc() {
+        makeDishes(3000);
+        auto ds = dishes();
+        ds->SetFilter("grp = 1 AND memo IS NOT NULL");
+        ds->SetFiltered(true);
+        ds->AddCalculatedField("joules");
+        ds->OnCalcFields = [](Dataset& d) {
+            d.FieldByName("joules").SetAsFloat(d.FieldByName("kcal").AsFloat() * 4.184);
+        };
+        int scrolls = 0;
+        ds->AfterScroll = [&](Dataset&) { ++scrolls; };
+        ds->Open();
+        QCOMPARE(ds->RecordCount(),
+                 scalar("SELECT COUNT(*) FROM Dishes WHERE grp = 1 AND memo IS NOT NULL").toInt());
+        QVERIFY(ds->isHeld(ds->fieldIndex("kcal")));
+        QVERIFY(!ds->isHeld(ds->fieldIndex("memo")));
+        QCOMPARE(ds->value(10, ds->fieldIndex("joules")).toDouble(),
+                 ds->value(10, ds->fieldIndex("kcal")).toDouble() * 4.184);
+
+        QVERIFY(!ds->Locate("memo", "memo of 2")); // group 2
+        QVERIFY(!ds->Locate("memo", QVariant()));  // filtered out
+        QCOMPARE(scrolls, 1);
+        QVERIFY(ds->Locate("memo", "memo of 1000"));
+        QCOMPARE(ds->FieldByName("id").AsInteger(), 1000);
+        QCOMPARE(scrolls, 2);
+        // Rows with the same picture: the first in the dataset's order is found.
+        m_db->exec("UPDATE Dishes SET pic = CAST( 'same' AS BLOB ) WHERE id IN ( 4, 2998, 1501 )");
+        QVERIFY(ds->Locate("pic", QByteArray("same")));
+        QCOMPARE(ds->FieldByName("id").AsInteger(), 2998);
+        QVERIFY(ds->Locate(QStringList{"servings", "pic"}, QVariantList{1501 % 12, QByteArray("same")}));
+        QCOMPARE(ds->FieldByName("id").AsInteger(), 1501);
+        QVERIFY(!ds->Locate(QStringList{"servings", "pic"}, QVariantList{0, QByteArray("same")}));
+    }
+
+    // Declared types bound the values: a smallint or integer out of range is refused as it is
+    // assigned, a text longer than its width (declared or by CHECK) when posted, counted in
+    // characters as the engine counts them. A refused value leaves the record as it was and writes
+    // nothing; the message names the field and the range.
+    void columnRanges() {
+        m_db->exec("CREATE TABLE Ranged ( id INT NOT NULL PRIMARY KEY, small SMALLINT, whole INTEGER, code "
+                   "VARCHAR(4), name TEXT CHECK ( length( name ) <= 5 ), note TEXT, big BIGINT )");
+        m_db->exec("INSERT INTO Ranged ( id, small ) VALUES ( 1, 9 )");
+        Dataset ds;
+        ds.SetDatabase(m_db.get());
+        ds.SetTableName("Ranged");
+        ds.Open();
+        QVERIFY(ds.Edit());
+        const auto refused = [&](const char* field, const QVariant& value, const QString& words) {
+            try {
+                ds.FieldByName(field).SetValue(value);
+            } catch (const FieldRangeError& e) {
+                const QString text = QString::fromUtf8(e.what());
+                QVERIFY2(text.contains(QString("'%1'").arg(field)) && text.contains(words), qPrintable(text));
+                return;
+            }
+            QFAIL(qPrintable(QString("%1 = %2 was taken").arg(field, value.toString())));
+        };
+        ds.FieldByName("small").SetValue(32767);
+        ds.FieldByName("small").SetValue(-32768);
+        refused("small", 32768, "-32768 to 32767");
+        refused("small", "40000", "40000");
+        refused("small", -32768.5, "-32768.5");
+        QCOMPARE(ds.FieldByName("small").AsInteger(), -32768);
+        ds.FieldByName("whole").SetValue(2147483647);
+        refused("whole", 2147483648LL, "-2147483648 to 2147483647");
+        refused("whole", -3e9, "-3000000000");
+        ds.FieldByName("big").SetValue(2147483648LL * 4);
+        ds.FieldByName("whole").SetValue("not a number"); // no number: the column keeps the text
+
+        ds.FieldByName("code").SetAsString("abcde");
+        QVERIFY_THROWS_EXCEPTION(FieldRangeError, ds.Post());
+        QCOMPARE(ds.State(), dsEdit);
+        QCOMPARE(scalar("SELECT small FROM Ranged WHERE id = 1").toInt(), 9);
+        ds.FieldByName("code").SetAsString("abcd");
+        ds.FieldByName("name").SetAsString(QString::fromUtf8("\xF0\x9F\x8D\xB2h\xC3\xA9llo")); // 6 characters
+        try {
+            ds.Post();
+            QFAIL("a name of 6 characters was posted");
+        } catch (const FieldRangeError& e) {
+            QVERIFY(QString::fromUtf8(e.what()).contains("'name'"));
+            QVERIFY(QString::fromUtf8(e.what()).contains("at most 5"));
+        }
+        // Five characters, one outside the basic plane: as long as the engine's check allows.
+        ds.FieldByName("name").SetAsString(QString::fromUtf8("\xF0\x9F\x8D\xB2hell"));
+        ds.FieldByName("whole").SetValue(-2147483648LL);
+        QVERIFY(ds.Post());
+        QCOMPARE(scalar("SELECT small || ' ' || whole || ' ' || code FROM Ranged WHERE id = 1").toString(),
+                 QString("-32768 -2147483648 abcd"));
+
+        // A value stored out of range is not refused when the edit leaves it alone.
+        m_db->exec("UPDATE Ranged SET small = 99999 WHERE id = 1");
+        ds.Refresh();
+        QVERIFY(ds.Edit());
+        ds.FieldByName("note").SetAsString("only the note");
+        QVERIFY(ds.Post());
+
+        // Through the grid model the refusal is a message, and the row keeps its value.
+        TScriptedPresenter presenter;
+        DatasetModel model(&ds);
+        model.addColumn("small");
+        QVERIFY(!model.setData(model.index(0, 0), 70000));
+        QCOMPARE(presenter.texts(TMessagePresenter::Error).size(), 1);
+        QVERIFY(presenter.texts().first().contains("'small'"));
+        ds.Cancel();
+        QCOMPARE(model.data(model.index(0, 0)).toInt(), 99999);
     }
 
     void model() {

@@ -103,6 +103,9 @@ void TRecordWindow::ConnectTables() {
 
 void TRecordWindow::BuildLayout() {
     m_recordModel = new qm::DatasetModel(&m_recordTable, this);
+    // Every row keeps the columns the grid shows; memos and pictures are read for the row shown.
+    connect(m_recordModel, &QAbstractItemModel::modelReset, this,
+            [this] { m_recordTable.SetRowFields(m_recordModel->columnFields()); });
 
     m_splitterVertical = new QSplitter(Qt::Horizontal, this);
     m_splitterVertical->setObjectName(QStringLiteral("SplitterVertical"));

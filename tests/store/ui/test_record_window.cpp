@@ -19,6 +19,20 @@
 
 namespace {
 
+/// Whether `command` failed and showed a text with all of `words` in the exception dialog.
+bool ShowsException(const std::function<void()>& command, const QStringList& words) {
+    QString shown;
+    TRecordWindow::ShowException = [&shown](const QString& text) { shown = text; };
+    const bool ran = RunGuarded(command);
+    TRecordWindow::ShowException = nullptr;
+    if (ran || shown.isEmpty())
+        return false;
+    for (const QString& word : words)
+        if (!shown.contains(word))
+            return false;
+    return true;
+}
+
 const char* const kDictionary = R"(<dictionary language="Test">
   <entry key="JarsRootNodeName">All shelves</entry>
   <entry key="@New_shelf">New shelf</entry>
@@ -265,6 +279,63 @@ private slots:
         QVERIFY(tree->Locate(0));
         form->AddGroup(false);
         QCOMPARE(store.scalar("SELECT parentId FROM Shelves WHERE shelfId = 13"), 0);
+    }
+
+    // The grid's rows keep the key and the columns the grid shows; a note is read for the record
+    // shown, and a rename from the grid keeps it. A value beyond its column's range (the schema's
+    // 16-bit servings, a name over its width) reaches the exception dialog naming the field and
+    // the range, and nothing is written.
+    void gridColumnsAndRanges() {
+        JarStore store;
+        store.exec(
+            {"DROP TABLE Jars",
+             "CREATE TABLE Jars ( jarId INT NOT NULL PRIMARY KEY, jarName TEXT NOT NULL CHECK ( length( "
+             "jarName ) <= 12 ), shelfId INTEGER, jarNote TEXT, jarCount SMALLINT )",
+             "INSERT INTO Jars VALUES ( 100001, 'Jam', 1, 'Plums of the garden', 3 ), ( 100002, 'Honey', 1, "
+             "NULL, 1 )"});
+        auto form = open();
+        QVERIFY(form->LocateRecord(100001));
+        qm::Dataset& jars = form->RecordTable();
+        QVERIFY(jars.isHeld(jars.fieldIndex("jarId")) && jars.isHeld(jars.fieldIndex("jarName")));
+        QVERIFY(!jars.isHeld(jars.fieldIndex("jarNote")) && !jars.isHeld(jars.fieldIndex("jarCount")));
+        QCOMPARE(jars.FieldByName("jarNote").AsString(), QStringLiteral("Plums of the garden"));
+        const QModelIndex name = form->RecordModel()->index(jars.currentRow(), 0);
+        QVERIFY(form->RecordModel()->setData(name, "Plum jam"));
+        QCOMPARE(
+            store.db().scalar("SELECT jarName || ': ' || jarNote FROM Jars WHERE jarId = 100001").toString(),
+            QStringLiteral("Plum jam: Plums of the garden"));
+
+        QVERIFY(ShowsException(
+            [&] {
+                jars.Edit();
+                jars.FieldByName("jarCount").SetValue(40000);
+            },
+            {"'jarCount'", "-32768 to 32767"}));
+        QVERIFY(ShowsException(
+            [&] {
+                jars.FieldByName("jarName").SetAsString("Plum jam of 2024");
+                jars.Post();
+            },
+            {"'jarName'", "12"}));
+        jars.Cancel();
+        QCOMPARE(store.scalar("SELECT jarCount FROM Jars WHERE jarId = 100001"), 3);
+        QCOMPARE(jars.FieldByName("jarName").AsString(), QStringLiteral("Plum jam"));
+
+        // The tables of the schema carry their ranges too.
+        qm::Dataset recipes;
+        recipes.SetDatabase(&store.db());
+        recipes.SetTableName("Recipes");
+        recipes.Open();
+        QVERIFY(recipes.Insert());
+        recipes.FieldByName("recId").SetValue(100001);
+        QVERIFY_THROWS_EXCEPTION(qm::FieldRangeError, recipes.FieldByName("recServings").SetValue(32768));
+        QVERIFY_THROWS_EXCEPTION(qm::FieldRangeError, recipes.FieldByName("recPrice").SetValue(1LL << 31));
+        recipes.FieldByName("recName").SetAsString(QString(129, 'x'));
+        QVERIFY_THROWS_EXCEPTION(qm::FieldRangeError, recipes.Post());
+        recipes.FieldByName("recName").SetAsString(QString(128, 'x'));
+        recipes.FieldByName("recServings").SetValue(32767);
+        QVERIFY(recipes.Post());
+        QCOMPARE(store.scalar("SELECT recServings FROM Recipes WHERE recId = 100001"), 32767);
     }
 
     // In the MDI area the state and geometry are the sub-window's: FormShow maximises it or puts
