@@ -2,13 +2,13 @@
 
 #include "components/database.h"
 #include "components/dataset.h"
+#include "components/decimal_text.h"
 #include "components/sql_format.h"
 #include "store/record_window_rules.h"
 #include "store/resource_holder.h"
 
 #include <QDir>
 #include <QFile>
-#include <QLocale>
 
 namespace IngredientSql {
 // A base unit is any weight unit, or a volume unit that has grams for this ingredient.
@@ -62,11 +62,7 @@ void CheckIngredient(qm::Dataset& table, QString& errors) {
 }
 
 bool ReadGrams(const QString& text, double& grams) {
-    bool ok = false;
-    grams = QLocale::system().toDouble(text.trimmed(), &ok);
-    if (!ok)
-        grams = QLocale::c().toDouble(text.trimmed(), &ok);
-    return ok;
+    return qm::ParseDecimal(text, grams);
 }
 
 void AddConversion(qm::Database& db, int unitId, int ingredId, double grams) {

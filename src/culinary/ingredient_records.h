@@ -39,7 +39,7 @@ QString NutrientHint(const NutrientField& field);
 /// aren't checked.
 void CheckIngredient(qm::Dataset& table, QString& errors);
 
-/// Grams typed for a volume unit, in the machine's decimal format (a plain point is read too).
+/// Grams typed for a volume unit: plain decimal text in the machine's format.
 /// Neither sign nor zero is refused.
 bool ReadGrams(const QString& text, double& grams);
 /// The three commands of the measurements page, each one statement through %f.

@@ -6,6 +6,7 @@
 #include <QVariant>
 #include <cfenv>
 #include <cmath>
+#include <limits>
 #include <stdexcept>
 
 const std::array<const char*, NutrientCount> NutrientSet = {
@@ -32,15 +33,25 @@ const char* const SelectRecipe = "SELECT recFreeForm, recServings FROM Recipes W
 
 } // namespace
 
-int UnitConvAsInteger(const QVariant& unitConv) {
+qint64 UnitConvAsInteger(const QVariant& unitConv) {
     if (unitConv.isNull())
         return 0;
+    const double value = unitConv.toDouble();
+    if (std::isnan(value))
+        return 0;
+    // Past the 64-bit range the nearest whole number of that range; beyond 2^53 every double is
+    // whole already, so only the bounds need care.
+    constexpr double limit = 9223372036854775808.0; // 2^63
+    if (value >= limit)
+        return std::numeric_limits<qint64>::max();
+    if (value < -limit)
+        return std::numeric_limits<qint64>::min();
     // nearbyint follows the current rounding mode, which is to-nearest-even by default.
     const int saved = std::fegetround();
     std::fesetround(FE_TONEAREST);
-    const double rounded = std::nearbyint(unitConv.toDouble());
+    const double rounded = std::nearbyint(value);
     std::fesetround(saved);
-    return int(rounded);
+    return qint64(rounded);
 }
 
 double LineFactor(double amount, double weight) {
@@ -57,7 +68,7 @@ TNutrientValues RecipeNutrientSums(qm::Database& db, int recId) {
         const int unitId = lines.value(2).toInt();
         double weight = 0;
         if (lines.value(3).toInt() == 1) {
-            weight = UnitConvAsInteger(lines.value(4));
+            weight = double(UnitConvAsInteger(lines.value(4)));
         } else {
             // No row reads as 0 grams, so the line adds nothing.
             weight = db.scalar(qm::format(QString::fromLatin1(NutrientSql::LineGrams), {unitId, ingredId}))

@@ -19,9 +19,10 @@ extern const char* const RecipeLines;
 extern const char* const LineGrams;
 } // namespace NutrientSql
 
-/// Grams of one unit of fixed weight as the recipe calculation counts them: unitConv read as an
-/// integer, a half going to the even neighbour, null as 0.
-int UnitConvAsInteger(const QVariant& unitConv);
+/// Grams of one unit of fixed weight as the recipe calculation counts them: unitConv read as a
+/// whole number, a half going to the even neighbour, null as 0. The rounding is done in 64 bits;
+/// a factor beyond that range counts as its nearest bound.
+qint64 UnitConvAsInteger(const QVariant& unitConv);
 
 /// The factor of one line: amount * weight * 0.01, left to right in extended precision.
 double LineFactor(double amount, double weight);

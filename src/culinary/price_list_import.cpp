@@ -1,26 +1,15 @@
 #include "culinary/price_list_import.h"
 
 #include "components/database.h"
+#include "components/decimal_text.h"
 
 #include <QFile>
-#include <QLocale>
 #include <QXmlStreamReader>
 
 namespace PriceListSql {
 const char* const UpdatePrice =
     "UPDATE Ingreds \nSET ingredPrice = :ingredPrice \nWHERE ingredId = :ingredId";
 }
-
-namespace {
-
-// The price is written in the machine's decimal format, and only in that.
-bool readPrice(const QString& text, double& price) {
-    bool ok = false;
-    price = QLocale::system().toDouble(text.trimmed(), &ok);
-    return ok;
-}
-
-} // namespace
 
 TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName,
                                  const std::function<void(int ingredId)>& applied) {
@@ -47,13 +36,13 @@ TPriceListResult ImportPriceList(qm::Database& db, const QString& fileName,
                 hasPrice = true;
             }
         }
-        bool idOk = false;
-        const int id = idText.trimmed().toInt(&idOk);
+        // The price is written in the machine's decimal format, and only in that.
+        int id = 0;
         double price = 0;
-        if (!hasId || !hasPrice || !idOk || !readPrice(priceText, price))
+        if (!hasId || !hasPrice || !qm::ParseInteger(idText, id) || !qm::ParseDecimal(priceText, price))
             continue;
-        db.exec(QString::fromLatin1(PriceListSql::UpdatePrice),
-                {{QStringLiteral("ingredPrice"), price}, {QStringLiteral("ingredId"), id}});
+        db.execFormat(PriceListSql::UpdatePrice, {},
+                      {{QStringLiteral("ingredPrice"), price}, {QStringLiteral("ingredId"), id}});
         if (db.changes() > 0) { // an unknown id updates nothing
             ++result.applied;
             if (applied)

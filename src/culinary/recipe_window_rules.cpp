@@ -2,12 +2,11 @@
 
 #include "components/database.h"
 #include "components/dataset.h"
+#include "components/decimal_text.h"
 #include "components/sql_format.h"
 #include "culinary/recipe_search.h"
 #include "store/data_module_main.h"
 #include "store/record_window_rules.h"
-
-#include <QLocale>
 
 namespace RecipeSql {
 const char* const QueryContents =
@@ -114,16 +113,9 @@ QString IngredientChoiceStatement(const QString& search, int typeKey) {
 }
 
 int ParseIntegerOrZero(const QString& text) {
-    bool ok = false;
-    const int n = text.trimmed().toInt(&ok);
-    return ok ? n : 0;
+    return qm::IntegerOrZero(text);
 }
 
 double ParseFloatOrZero(const QString& text) {
-    const QString trimmed = text.trimmed();
-    bool ok = false;
-    double d = trimmed.toDouble(&ok);
-    if (!ok)
-        d = QLocale().toDouble(trimmed, &ok);
-    return ok ? d : 0.0;
+    return qm::DecimalOrZero(text);
 }

@@ -1,5 +1,8 @@
 #include "culinary/unit_converter.h"
 
+#include "components/decimal_text.h"
+
+#include <algorithm>
 #include <cmath>
 
 namespace UnitConverter {
@@ -19,7 +22,11 @@ Split SplitWeight(double kilograms) {
 }
 
 QString MaskText(double value, int digits) {
-    QString text = QString::number(qint64(std::trunc(value)));
+    // Past what the mask holds the digits are cut anyway; the bound keeps the conversion defined.
+    if (!std::isfinite(value))
+        value = 0;
+    value = std::clamp(std::trunc(value), -1e15, 1e15);
+    QString text = QString::number(qint64(value));
     if (text.startsWith(QLatin1Char('-')))
         text.remove(0, 1); // a digit mask takes no sign
     return text.left(digits);
@@ -29,10 +36,7 @@ namespace {
 
 // Both texts as numbers, or both 0 when either one isn't a number (an empty mask edit).
 bool readPair(const QString& a, const QString& b, double& x, double& y) {
-    bool okA = false, okB = false;
-    x = a.trimmed().toDouble(&okA);
-    y = b.trimmed().toDouble(&okB);
-    if (okA && okB)
+    if (qm::ParseDecimal(a, x) && qm::ParseDecimal(b, y))
         return true;
     x = y = 0;
     return false;

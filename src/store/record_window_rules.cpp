@@ -6,6 +6,8 @@
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
 
+#include <memory>
+
 namespace qm {
 
 namespace {
@@ -240,6 +242,13 @@ QString ColumnWidthOption(const QList<ColumnOption>& columns, const QString& fie
     return QString();
 }
 
+int DefaultColumnWidth(const QList<ColumnOption>& columns, const QString& fieldName) {
+    const QString option = ColumnWidthOption(columns, fieldName);
+    if (option.isEmpty() || !FormResourceHolder || !options().has(option))
+        return 0;
+    return options().GetOption(option).defaultValue.toInt();
+}
+
 WindowLayout ReadWindowLayout(const QString& prefix, bool hasVertical, bool hasHorizontal,
                               const QList<ColumnOption>& columns, const QStringList& fieldNames) {
     TVintraOptions& o = options();
@@ -365,4 +374,23 @@ void GetSelectedIds(const qm::Dataset& dataSet, const QList<int>& selectedRows, 
 
 bool SelectRecordById(qm::Dataset& dataSet, const QString& keyField, int id) {
     return dataSet.Locate(keyField, id);
+}
+
+void SortInsertedRecords(qm::Dataset& table) {
+    auto inserting = std::make_shared<bool>(false);
+    const qm::Dataset::Event beforePost = table.BeforePost;
+    const qm::Dataset::Event afterPost = table.AfterPost;
+    table.BeforePost = [beforePost, inserting](qm::Dataset& t) {
+        *inserting = t.State() == qm::dsInsert;
+        if (beforePost)
+            beforePost(t);
+    };
+    table.AfterPost = [afterPost, inserting](qm::Dataset& t) {
+        if (*inserting) {
+            *inserting = false;
+            t.Refresh();
+        }
+        if (afterPost)
+            afterPost(t);
+    };
 }

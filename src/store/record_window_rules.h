@@ -199,6 +199,8 @@ struct WindowLayout {
 
 /// The option of a column of that field name, "" when none is known (names compare without case).
 QString ColumnWidthOption(const QList<ColumnOption>& columns, const QString& fieldName);
+/// The declared default of the width option of a column of that field; 0 when it has none.
+int DefaultColumnWidth(const QList<ColumnOption>& columns, const QString& fieldName);
 /// What FormShow applies: MDIChildMaximized, then (when not maximised) the four geometry options,
 /// the splitters the window has, and the width of each listed field that has an option.
 WindowLayout ReadWindowLayout(const QString& prefix, bool hasVertical, bool hasHorizontal,
@@ -229,3 +231,7 @@ void GetSelectedIds(const qm::Dataset& dataSet, const QList<int>& selectedRows, 
                     bool& containsLocked, QString& idList);
 /// Locate by key, with no options.
 bool SelectRecordById(qm::Dataset& dataSet, const QString& keyField, int id);
+/// A record posted by an insert takes its place in the table's order (its SortedBy): after such a
+/// post the table is read again, the new record staying current. Wraps the table's BeforePost and
+/// AfterPost as they are set now, so it goes after them.
+void SortInsertedRecords(qm::Dataset& table);

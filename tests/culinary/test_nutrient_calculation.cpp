@@ -4,6 +4,7 @@
 #include "culinary/nutrient_calculation.h"
 
 #include <QTest>
+#include <limits>
 #include <stdexcept>
 
 class TestNutrientCalculation : public QObject {
@@ -65,6 +66,28 @@ private slots:
         QCOMPARE(storedCalories(store, 5), 28.0);
         // The shopping total uses the ounce as it is.
         QCOMPARE(store.dataModule().GetIngredientInMenu(1, 1).amount, 28.35);
+    }
+
+    // A factor beyond 32 bits is still rounded as a whole number, in 64 bits, half to even; past
+    // that range it counts as the nearest bound rather than as garbage.
+    void factorsBeyondThirtyTwoBits() {
+        QCOMPARE(UnitConvAsInteger(QVariant(4294967296.5)), qint64(4294967296));
+        QCOMPARE(UnitConvAsInteger(QVariant(4294967297.5)), qint64(4294967298));
+        QCOMPARE(UnitConvAsInteger(QVariant(-3000000000.5)), qint64(-3000000000));
+        QCOMPARE(UnitConvAsInteger(QVariant(1e30)), std::numeric_limits<qint64>::max());
+        QCOMPARE(UnitConvAsInteger(QVariant(-1e30)), std::numeric_limits<qint64>::min());
+        QCOMPARE(UnitConvAsInteger(QVariant(std::numeric_limits<double>::infinity())),
+                 std::numeric_limits<qint64>::max());
+
+        TestStore store;
+        store.exec(
+            {"INSERT INTO Units ( unitId, unitName, unitAbbrev, unitAbbrevSmall, unitType, unitConv ) "
+             "VALUES ( 70, 'tanker', 'tk', 'tk', 1, 5000000000.5 )",
+             "INSERT INTO Ingreds ( ingredId, ingredName, unitId, nutCal ) VALUES ( 1, 'Water', 70, 1 )",
+             "INSERT INTO Recipes ( recId, recName, recServings, recFreeForm ) VALUES ( 1, 'Lake', 1, 0 )",
+             "INSERT INTO Contents ( recId, ingredId, amount, unitId ) VALUES ( 1, 1, 1, 70 )"});
+        QVERIFY(RecalculateStoredRecipe(store.db(), 1));
+        QCOMPARE(storedCalories(store, 1), 50000000.0);
     }
 
     void linesWithoutWeightAddNothing() {

@@ -1,11 +1,14 @@
 // Price list import on a real database, and the imperial converter's arithmetic.
 #include "test_store.h"
 
+#include "culinary/ingredient_records.h"
 #include "culinary/price_list_import.h"
+#include "culinary/recipe_window_rules.h"
 #include "culinary/unit_converter.h"
 
 #include <QTemporaryFile>
 #include <QTest>
+#include <cmath>
 
 class TestPriceListAndConverter : public QObject {
     Q_OBJECT
@@ -45,6 +48,51 @@ private slots:
         QCOMPARE(price(store, 1001), 6.25);
         QCOMPARE(price(store, 200001), 2.5); // the last of equal ids wins
         QCOMPARE(price(store, 3), 9.0);      // bad and missing prices skipped
+    }
+
+    // A price is plain decimal text in the machine's format (the C locale here): infinities, group
+    // separators and exponents are skipped like any other bad number.
+    void pricesOnlyAsPlainDecimals() {
+        TestStore store;
+        store.exec(
+            {"INSERT INTO Ingreds ( ingredId, ingredName, unitId, ingredPrice ) VALUES "
+             "( 1, 'A', 2, 1 ), ( 2, 'B', 2, 1 ), ( 3, 'C', 2, 1 ), ( 4, 'D', 2, 1 ), ( 5, 'E', 2, 1 ), "
+             "( 6, 'F', 2, 1 )"});
+        QTemporaryFile file;
+        const QString name = writeFile(file, "<list><ingredient id=\"1\" price=\"inf\"/>"
+                                             "<ingredient id=\"2\" price=\"nan\"/>"
+                                             "<ingredient id=\"3\" price=\"1,234.5\"/>"
+                                             "<ingredient id=\"4\" price=\"2e3\"/>"
+                                             "<ingredient id=\"5\" price=\" 0.75 \"/>"
+                                             "<ingredient id=\"6\" price=\"-2\"/>"
+                                             "<ingredient id=\"1e0\" price=\"3\"/></list>");
+        const TPriceListResult result = ImportPriceList(store.db(), name);
+        QCOMPARE(result.applied, 2);
+        for (int id = 1; id <= 4; ++id)
+            QCOMPARE(price(store, id), 1.0);
+        QCOMPARE(price(store, 5), 0.75);
+        QCOMPARE(price(store, 6), -2.0);
+    }
+
+    // The grams of a measure and the numbers of the dialogs read the same plain text; what doesn't
+    // read is refused (grams) or 0 (dialogs, the converter).
+    void dialogNumbersReadPlainDecimalsOnly() {
+        double grams = -1;
+        QVERIFY(IngredientRecords::ReadGrams(QStringLiteral("236.5"), grams));
+        QCOMPARE(grams, 236.5);
+        for (const char* text : {"236,5", "1,000", "2e2", "inf", "nan", ""})
+            QVERIFY2(!IngredientRecords::ReadGrams(QString::fromLatin1(text), grams), text);
+        QCOMPARE(ParseFloatOrZero(QStringLiteral("2.25")), 2.25);
+        QCOMPARE(ParseFloatOrZero(QStringLiteral("1e3")), 0.0);
+        QCOMPARE(ParseFloatOrZero(QStringLiteral("-inf")), 0.0);
+        QCOMPARE(ParseFloatOrZero(QStringLiteral("1,5")), 0.0);
+        QCOMPARE(ParseIntegerOrZero(QStringLiteral(" 6 ")), 6);
+        QCOMPARE(ParseIntegerOrZero(QStringLiteral("6.0")), 0);
+        QCOMPARE(UnitConverter::LengthFromTexts(QStringLiteral("1e1"), QStringLiteral("0")), 0.0f);
+        QCOMPARE(UnitConverter::WeightFromTexts(QStringLiteral("2"), QStringLiteral("inf")), 0.0f);
+        // A stored value far beyond what the mask holds still gives digits, not garbage.
+        QCOMPARE(UnitConverter::MaskText(1e300, 3), QStringLiteral("100"));
+        QCOMPARE(UnitConverter::MaskText(std::nan(""), 2), QStringLiteral("0"));
     }
 
     void brokenFileKeepsWhatCameBefore() {

@@ -1,15 +1,17 @@
 #include "components/ui/db_field_binder.h"
 
 #include "components/dataset.h"
+#include "components/decimal_text.h"
 #include "components/messages.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QTextEdit>
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
@@ -31,15 +33,71 @@ QString textOf(const QVariant& v) {
     return v.toString();
 }
 
+/// The number a field holds: a stored number as it is, stored text read as the engine wrote it.
+bool numberOf(const QVariant& v, double& number) {
+    switch (v.metaType().id()) {
+    case QMetaType::Double:
+    case QMetaType::Float:
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+    case QMetaType::UInt:
+    case QMetaType::ULongLong:
+        number = v.toDouble();
+        return true;
+    default: {
+        bool ok = false;
+        number = QLocale::c().toDouble(textOf(v).trimmed(), &ok);
+        return ok;
+    }
+    }
+}
+
+/// A floating field without a mask: its shortest text in the machine's format, so that what is
+/// shown reads back as the same number.
+QString plainNumber(const QVariant& v) {
+    double number = 0;
+    return numberOf(v, number) ? qm::DecimalText(number) : textOf(v);
+}
+
+/// Every binder alive, for the frame's question which dataset a focused control shows.
+QList<TDBFieldBinder*>& liveBinders() {
+    static QList<TDBFieldBinder*> binders;
+    return binders;
+}
+
 } // namespace
 
 TDBFieldBinder::TDBFieldBinder(qm::Dataset* dataset, QObject* parent) : QObject(parent) {
+    liveBinders() << this;
     SetDataset(dataset);
 }
 
 TDBFieldBinder::~TDBFieldBinder() {
+    liveBinders().removeAll(this);
     for (const QMetaObject::Connection& c : std::as_const(m_datasetConnections))
         disconnect(c);
+}
+
+qm::Dataset* TDBFieldBinder::DatasetOf(const QObject* control) {
+    if (!control)
+        return nullptr;
+    for (const TDBFieldBinder* binder : std::as_const(liveBinders()))
+        for (const Binding& b : binder->m_bindings)
+            if (b.widget == control)
+                return binder->m_dataset;
+    return nullptr;
+}
+
+bool TDBFieldBinder::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape &&
+        static_cast<QKeyEvent*>(event)->modifiers() == Qt::NoModifier && m_dataset && m_dataset->Active() &&
+        (m_dataset->State() == qm::dsEdit || m_dataset->State() == qm::dsInsert) &&
+        Find(qobject_cast<QWidget*>(watched))) {
+        m_dataset->Cancel();
+        ShowAll(true);
+        return true; // the edit is undone; a dialog around it stays open
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void TDBFieldBinder::SetDataset(qm::Dataset* dataset) {
@@ -48,14 +106,20 @@ void TDBFieldBinder::SetDataset(qm::Dataset* dataset) {
     m_datasetConnections.clear();
     m_dataset = dataset;
     if (dataset) {
-        m_datasetConnections << connect(dataset, &qm::Dataset::reset, this, [this] { ShowAll(true); })
-                             << connect(dataset, &qm::Dataset::currentChanged, this,
-                                        [this] { ShowAll(true); })
-                             << connect(dataset, &qm::Dataset::stateChanged, this, [this] { ShowAll(false); })
-                             << connect(dataset, &qm::Dataset::rowChanged, this, [this](int row) {
-                                    if (m_dataset && row == m_dataset->currentRow())
-                                        ShowAll(false);
-                                });
+        m_datasetConnections << connect(dataset, &qm::Dataset::reset, this, [this] {
+            ForgetTyping();
+            ShowAll(true);
+        }) << connect(dataset, &qm::Dataset::currentChanged, this, [this] {
+            ForgetTyping();
+            ShowAll(true);
+        }) << connect(dataset, &qm::Dataset::stateChanged, this, [this](qm::DatasetState state) {
+            if (state == qm::dsBrowse || state == qm::dsInactive)
+                ForgetTyping();
+            ShowAll(false);
+        }) << connect(dataset, &qm::Dataset::rowChanged, this, [this](int row) {
+            if (m_dataset && row == m_dataset->currentRow())
+                ShowAll(false);
+        });
     }
     ShowAll(true);
 }
@@ -72,6 +136,7 @@ void TDBFieldBinder::Add(QWidget* widget, Control control, const QString& field,
     binding.kind = kind;
     binding.displayFormat = displayFormat;
     m_bindings << binding;
+    widget->installEventFilter(this);
     connect(widget, &QObject::destroyed, this, [this, widget] {
         for (qsizetype i = m_bindings.size() - 1; i >= 0; --i)
             if (!m_bindings.at(i).widget || m_bindings.at(i).widget == widget)
@@ -85,10 +150,38 @@ void TDBFieldBinder::Bind(QLineEdit* edit, const QString& field, ValueKind kind,
     Add(edit, Control::Line, field, kind, displayFormat);
     connect(edit, &QLineEdit::textEdited, this, [this, edit] { UserEdited(edit); });
     // A formatted number shows its typed text while it is edited, its format once left.
-    connect(edit, &QLineEdit::editingFinished, this, [this, edit] {
-        if (Binding* b = Find(edit))
-            Show(*b, true);
-    });
+    connect(edit, &QLineEdit::editingFinished, this, [this, edit] { EditingFinished(edit); });
+}
+
+void TDBFieldBinder::ForgetTyping() {
+    for (Binding& b : m_bindings) {
+        b.typing = false;
+        b.before = QVariant();
+    }
+}
+
+void TDBFieldBinder::EditingFinished(QLineEdit* edit) {
+    Binding* b = Find(edit);
+    if (!b)
+        return;
+    bool ok = true;
+    ControlValue(*b, ok);
+    // "1,000" typed as a factor wrote 1 on its way; left so, the field takes its old value back.
+    if (!ok && b->typing && m_dataset && m_dataset->Active() &&
+        (m_dataset->State() == qm::dsEdit || m_dataset->State() == qm::dsInsert)) {
+        try {
+            ++m_writing;
+            m_dataset->FieldByName(b->field).SetValue(b->before);
+            --m_writing;
+        } catch (const std::exception& e) {
+            m_writing = 0;
+            ShowError(QString::fromUtf8(e.what()));
+        }
+    }
+    if ((b = Find(edit))) {
+        b->typing = false;
+        Show(*b, true);
+    }
 }
 
 void TDBFieldBinder::Bind(QPlainTextEdit* edit, const QString& field) {
@@ -121,6 +214,7 @@ void TDBFieldBinder::Unbind(QWidget* control) {
     for (qsizetype i = m_bindings.size() - 1; i >= 0; --i) {
         if (m_bindings.at(i).widget == control) {
             disconnect(control, nullptr, this, nullptr);
+            control->removeEventFilter(this);
             m_bindings.removeAt(i);
         }
     }
@@ -163,27 +257,10 @@ void TDBFieldBinder::ShowAll(bool force) {
 QString TDBFieldBinder::FormatNumber(const QVariant& value, const QString& displayFormat) {
     if (isNull(value))
         return QString();
-    bool ok = false;
-    const double number = textOf(value).trimmed().toDouble(&ok);
-    if (!ok)
+    double number = 0;
+    if (!numberOf(value, number))
         return textOf(value);
-    const qsizetype point = displayFormat.indexOf(QLatin1Char('.'));
-    const QString decimals = point < 0 ? QString() : displayFormat.mid(point + 1);
-    const int fixed = int(decimals.count(QLatin1Char('0')));
-    const int optional = int(decimals.count(QLatin1Char('#')));
-    QString text = QString::number(number, 'f', fixed + optional);
-    if (optional > 0) {
-        const qsizetype dot = text.indexOf(QLatin1Char('.'));
-        qsizetype keep = text.size();
-        while (keep > dot + 1 + fixed && text.at(keep - 1) == QLatin1Char('0'))
-            --keep;
-        if (keep == dot + 1)
-            keep = dot;
-        text.truncate(keep);
-    }
-    if (text == QStringLiteral("-0"))
-        text = QStringLiteral("0");
-    return text;
+    return qm::FormatDecimal(number, displayFormat);
 }
 
 void TDBFieldBinder::Show(Binding& binding, bool force) {
@@ -199,9 +276,9 @@ void TDBFieldBinder::Show(Binding& binding, bool force) {
     switch (binding.control) {
     case Control::Line: {
         auto* edit = static_cast<QLineEdit*>(widget);
-        const QString text = binding.kind == Text || binding.displayFormat.isEmpty()
-                                 ? textOf(value)
-                                 : FormatNumber(value, binding.displayFormat);
+        const QString text = binding.kind != Float || isNull(value) ? textOf(value)
+                             : binding.displayFormat.isEmpty()      ? plainNumber(value)
+                                                               : FormatNumber(value, binding.displayFormat);
         // Only a value changed elsewhere gets here while the user types; the cursor stays put.
         if (edit->text() != text) {
             const int cursor = edit->cursorPosition();
@@ -253,14 +330,14 @@ QVariant TDBFieldBinder::ControlValue(const Binding& binding, bool& ok) const {
         const QString trimmed = text.trimmed();
         if (trimmed.isEmpty())
             return QVariant();
+        // Plain numbers in the machine's format, as they are shown.
         if (binding.kind == Integer) {
-            const int n = trimmed.toInt(&ok);
+            int n = 0;
+            ok = qm::ParseInteger(trimmed, n);
             return ok ? QVariant(n) : QVariant();
         }
-        // A point always; a comma too when the user's locale writes one.
-        double d = trimmed.toDouble(&ok);
-        if (!ok)
-            d = QLocale().toDouble(trimmed, &ok);
+        double d = 0;
+        ok = qm::ParseDecimal(trimmed, d);
         return ok ? QVariant(d) : QVariant();
     }
     case Control::Plain:
@@ -284,6 +361,10 @@ void TDBFieldBinder::UserEdited(QWidget* widget) {
     if (!binding || m_loading > 0)
         return;
     const QString field = binding->field;
+    if (!binding->typing) {
+        binding->before = ReadField(field);
+        binding->typing = true;
+    }
     bool ok = true;
     const QVariant value = ControlValue(*binding, ok);
     bool written = false;

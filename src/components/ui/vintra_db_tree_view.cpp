@@ -6,6 +6,7 @@
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QHash>
+#include <QHeaderView>
 #include <QMimeData>
 #include <QSet>
 #include <QTreeWidgetItemIterator>
@@ -46,6 +47,11 @@ TVintraDBTreeView::TVintraDBTreeView(QWidget* parent) : QTreeWidget(parent) {
     setAcceptDrops(true);
     setDropIndicatorShown(true);
     setDragDropMode(QAbstractItemView::DropOnly);
+    // Long names make the tree scroll sideways rather than lose their ends.
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(0, QHeaderView::Interactive);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setTextElideMode(Qt::ElideNone);
     connect(this, &QTreeWidget::itemChanged, this, &TVintraDBTreeView::NodeRenamed);
     connect(this, &QTreeWidget::itemExpanded, this,
             [this](QTreeWidgetItem* node) { NodeExpandedChanged(node, true); });
@@ -55,6 +61,22 @@ TVintraDBTreeView::TVintraDBTreeView(QWidget* parent) : QTreeWidget(parent) {
         if (m_quiet == 0)
             emit CurrentKeyChanged(KeyOf(current));
     });
+}
+
+void TVintraDBTreeView::FitColumn() {
+    if (m_fitting > 0)
+        return;
+    ++m_fitting;
+    // The labels' width (with their indentation), at least the width of the view.
+    const int width = std::max(viewport()->width(), sizeHintForColumn(0));
+    if (columnWidth(0) != width)
+        setColumnWidth(0, width);
+    --m_fitting;
+}
+
+void TVintraDBTreeView::updateGeometries() {
+    FitColumn();
+    QTreeWidget::updateGeometries();
 }
 
 void TVintraDBTreeView::SetRootNodeName(const QString& name) {
@@ -244,6 +266,7 @@ void TVintraDBTreeView::NodeRenamed(QTreeWidgetItem* node, int column) {
     else
         node->setText(0, stored);
     --m_quiet;
+    FitColumn();
 }
 
 void TVintraDBTreeView::NodeExpandedChanged(QTreeWidgetItem* node, bool expanded) {

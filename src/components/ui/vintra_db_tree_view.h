@@ -12,7 +12,8 @@ class Database;
 /// The data-aware tree of groups: one node per row of its table, hung by the parent column, under
 /// an optional root node of key 0 that is no row. The tree writes its own rows: a node added or
 /// deleted, a label renamed in place, a node expanded or collapsed. It accepts drops of grid rows
-/// onto its nodes; whether a drop may land is the owner's rule (OnDragOver).
+/// onto its nodes; whether a drop may land is the owner's rule (OnDragOver). Names are never cut:
+/// a tree too narrow for them scrolls sideways.
 class TVintraDBTreeView : public QTreeWidget {
     Q_OBJECT
 public:
@@ -75,6 +76,10 @@ public:
     /// pointer (null when there is none). No answer refuses every drop.
     std::function<bool(QObject* source, QTreeWidgetItem* node)> OnDragOver;
 
+    /// Width of the labels' column: the widest visible label with its indentation, at least the
+    /// view's width; wider than the view, the tree scrolls sideways.
+    void FitColumn();
+
 signals:
     /// Rows dragged from `source` were dropped on the node of `key`, after OnDragOver accepted it.
     void NodeDropped(QObject* source, int key);
@@ -82,6 +87,7 @@ signals:
     void CurrentKeyChanged(int key);
 
 protected:
+    void updateGeometries() override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -99,4 +105,5 @@ private:
     int m_level = 2;
     QTreeWidgetItem* m_root = nullptr;
     int m_quiet = 0; ///< above 0 while the tree changes its own nodes: no writes back
+    int m_fitting = 0;
 };

@@ -1,6 +1,7 @@
 #include "components/ui/vintra_rich_edit.h"
 
 #include "components/dataset.h"
+#include "components/decimal_text.h"
 #include "components/ui/db_field_binder.h"
 
 #include <QAction>
@@ -130,9 +131,9 @@ TVintraRichEdit::TVintraRichEdit(QWidget* parent)
     m_fontSize->setMinimumContentsLength(3);
     m_toolBar->addWidget(m_fontSize);
     connect(m_fontSize, &QComboBox::textActivated, this, [this](const QString& text) {
-        bool ok = false;
-        const double size = text.toDouble(&ok);
-        if (ok && size > 0)
+        double size = 0;
+        // A size far beyond any page's would overflow the text layout; it goes like any bad text.
+        if (qm::ParseDecimal(text, size) && size > 0 && size <= 1000)
             SetFontSize(size);
     });
 

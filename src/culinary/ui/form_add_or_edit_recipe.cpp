@@ -1,8 +1,10 @@
 #include "culinary/ui/form_add_or_edit_recipe.h"
 
 #include "components/dataset_model.h"
+#include "components/decimal_text.h"
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
+#include "components/ui/window_placement.h"
 #include "culinary/recipe_window_rules.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
@@ -110,6 +112,7 @@ void TFormAddOrEditRecipe::FormShow() {
         m_top->hide();
         layout()->setContentsMargins(0, 0, 0, 0);
         setFixedSize(250, 100);
+        CenterOnMainWindow(this); // placed at its former size
         break;
     default:
         setWindowTitle(GetText(QStringLiteral("CaptionSelectRecipe"), tr("Select Recipe")));
@@ -118,7 +121,7 @@ void TFormAddOrEditRecipe::FormShow() {
         m_servings->hide();
         break;
     }
-    m_servings->setText(QString::number(servings, 'g', 15));
+    m_servings->setText(qm::DecimalText(servings));
     UpdateOk();
 }
 

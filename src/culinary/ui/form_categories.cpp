@@ -43,6 +43,7 @@ TFormCategories::TFormCategories(QWidget* parent) : QDialog(parent) {
         if (!RunGuarded([id] { CategoryBeforeDelete(id); }))
             throw Abort();
     };
+    SortInsertedRecords(TableCategories);
 
     m_model = new qm::DatasetModel(&TableCategories, this);
     m_model->addColumn(QStringLiteral("catName"), tr("Category"));
@@ -133,6 +134,9 @@ void TFormCategories::DeleteCategory() {
 }
 
 void TFormCategories::PostCategory() {
+    // A name typed into the cell goes to the record first; the check then sees it.
+    if (!m_grid->CommitEdit())
+        return;
     RunGuarded([this] { TableCategories.Post(); });
 }
 
@@ -144,7 +148,8 @@ void TFormCategories::done(int result) {
     // Close keeps what was typed; Escape drops it.
     if (TableCategories.Active() && result == QDialog::Accepted) {
         bool posted = false;
-        RunGuarded([&] { posted = TableCategories.Post(); });
+        if (m_grid->CommitEdit())
+            RunGuarded([&] { posted = TableCategories.Post(); });
         if (!posted)
             return;
     }

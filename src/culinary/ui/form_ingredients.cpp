@@ -1,5 +1,6 @@
 #include "culinary/ui/form_ingredients.h"
 
+#include "components/decimal_text.h"
 #include "components/messages.h"
 #include "components/ui/db_field_binder.h"
 #include "components/ui/vintra_db_grid.h"
@@ -21,7 +22,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -87,13 +87,15 @@ TFormIngredients::TFormIngredients(QWidget* parent) : TRecordWindow(RecordKinds:
     m_unitsIn.AfterScroll = [this](qm::Dataset& unitsIn) {
         if (!IsDataSetEmpty(unitsIn))
             m_editConversion->setText(
-                QLocale::system().toString(unitsIn.FieldByName(QStringLiteral("grams")).AsFloat(), 'g', 15));
+                qm::DecimalText(unitsIn.FieldByName(QStringLiteral("grams")).AsFloat()));
     };
 
     TreeView()->setObjectName(QStringLiteral("TreeViewIngredientTypes"));
     Grid()->setObjectName(QStringLiteral("DBGridIngredients"));
     RecordModel()->addColumn(QStringLiteral("ingredName"), tr("Ingredient"));
     RecordModel()->addColumn(QStringLiteral("ingredPrice"), tr("Price"));
+    Grid()->SetNameColumn(QStringLiteral("ingredName"),
+                          qm::DefaultColumnWidth(Kind().columns, QStringLiteral("ingredName")));
 
     m_importPriceList = new QAction(tr("Import price list..."), this);
     m_importPriceList->setObjectName(QStringLiteral("MIImportPriceList"));

@@ -1,8 +1,10 @@
 #include "culinary/ui/form_recipe_add_or_edit_ingredient.h"
 
 #include "components/dataset_model.h"
+#include "components/decimal_text.h"
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
+#include "components/ui/window_placement.h"
 #include "culinary/recipe_window_rules.h"
 #include "store/data_module_main.h"
 #include "store/resource_holder.h"
@@ -150,6 +152,8 @@ void TFormRecipeAddOrEditIngredient::FormShow() {
         layout()->setContentsMargins(0, 0, 0, 0);
         setFixedSize(250, 100);
         setWindowTitle(GetText(QStringLiteral("CaptionEditRecipeContents"), tr("Edit Amount and Unit")));
+        CenterOnMainWindow(this); // placed at its former size
+
         RunGuarded([this] { FillUnits(ingredId); });
     } else {
         setWindowTitle(GetText(QStringLiteral("CaptionAddIngredient"), tr("Add Ingredient")));
@@ -161,7 +165,8 @@ void TFormRecipeAddOrEditIngredient::FormShow() {
         m_tree->setCurrentItem(m_tree->RootNode());
         m_search->setFocus();
     }
-    m_amount->setText(QString::number(amount, 'g', 15));
+    // In the machine's format, as OK reads it back.
+    m_amount->setText(qm::DecimalText(amount));
     UpdateOk();
 }
 

@@ -13,8 +13,11 @@
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace {
+
+constexpr int MaxNameLength = 254;
 
 const char* const FractionItems[] = {"",    "1/2", "1/3", "1/4", "1/5", "1/6", "1/7", "1/8",
                                      "2/3", "2/5", "2/7", "3/4", "3/5", "3/7", "3/8", "4/5",
@@ -50,7 +53,7 @@ TFormRecipeAddOrEditIngredientFF::TFormRecipeAddOrEditIngredientFF(QWidget* pare
     m_unit->setCurrentIndex(-1);
     m_name = new QLineEdit(this);
     m_name->setObjectName(QStringLiteral("EditIngredient"));
-    m_name->setMaxLength(254);
+    m_name->setMaxLength(MaxNameLength);
     const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     for (QWidget* w :
          {static_cast<QWidget*>(m_amount), static_cast<QWidget*>(m_fraction), static_cast<QWidget*>(m_unit)})
@@ -118,7 +121,10 @@ void TFormRecipeAddOrEditIngredientFF::FormShow() {
         m_amount->setText(parts.whole);
         m_fraction->setEditText(parts.fraction);
         m_unit->setEditText(parts.unit);
+        // An imported name may be longer than one typed here; it shows whole.
+        m_name->setMaxLength(std::max(MaxNameLength, int(parts.name.size())));
         m_name->setText(parts.name);
+        m_loaded = Pieces();
     }
     m_name->setFocus();
     UpdateOk();
@@ -128,10 +134,16 @@ void TFormRecipeAddOrEditIngredientFF::UpdateOk() {
     m_ok->setEnabled(!m_name->text().isEmpty());
 }
 
+QStringList TFormRecipeAddOrEditIngredientFF::Pieces() const {
+    return {m_amount->text(), m_fraction->currentText(), m_unit->currentText(), m_name->text()};
+}
+
 void TFormRecipeAddOrEditIngredientFF::BitBtnOkClick() {
     if (!m_ok->isEnabled())
         return;
-    ingredient = ComposeIngredientLine(m_amount->text(), m_fraction->currentText(), m_unit->currentText(),
-                                       m_name->text());
+    // A line left as it came (an imported one, whatever its columns hold) stays exactly so.
+    if (ingredient.isEmpty() || Pieces() != m_loaded)
+        ingredient = ComposeIngredientLine(m_amount->text(), m_fraction->currentText(), m_unit->currentText(),
+                                           m_name->text());
     accept();
 }

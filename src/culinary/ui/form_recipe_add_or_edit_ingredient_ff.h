@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QString>
+#include <QStringList>
 
 class QComboBox;
 class QLineEdit;
@@ -26,6 +27,8 @@ protected:
 
 private:
     void UpdateOk();
+    /// What the four controls hold now.
+    QStringList Pieces() const;
 
     QLineEdit* m_amount;
     QComboBox* m_fraction;
@@ -33,4 +36,5 @@ private:
     QLineEdit* m_name;
     QPushButton* m_ok;
     bool m_shown = false;
+    QStringList m_loaded; ///< the pieces as the edited line filled them in
 };

@@ -122,8 +122,9 @@ TFormRecipes::TFormRecipes(const QString& shortcutSql, const QString& shortcutNa
     RecordModel()->addColumn(QStringLiteral("RecTime"), tr("Time"));
     RecordModel()->addColumn(QStringLiteral("RecServings"), tr("Servings"));
     RecordModel()->addColumn(QStringLiteral("recPrice"), tr("Price"));
-    Grid()->horizontalHeader()->setStretchLastSection(true);
-    Grid()->setColumnWidth(0, 260);
+    // The name takes the free width while its remembered width is the default one.
+    Grid()->SetNameColumn(QStringLiteral("RecName"),
+                          qm::DefaultColumnWidth(Kind().columns, QStringLiteral("RecName")));
 
     BuildDetails();
     ConnectDatasets();
@@ -162,7 +163,13 @@ void TFormRecipes::BuildDetails() {
     m_binder = new TDBFieldBinder(&RecordTable(), this);
     m_pages = new QTabWidget(DetailPanel());
     m_pages->setObjectName(QStringLiteral("PageControlRecipe"));
-    m_pages->addTab(BuildMainTab(), tr("Main"));
+    // The main page scrolls rather than push the detail panel past its remembered height.
+    auto* mainScroll = new QScrollArea;
+    mainScroll->setObjectName(QStringLiteral("TabSheetMain"));
+    mainScroll->setFrameShape(QFrame::NoFrame);
+    mainScroll->setWidgetResizable(true);
+    mainScroll->setWidget(BuildMainTab());
+    m_pages->addTab(mainScroll, tr("Main"));
     m_pages->addTab(BuildContentsTab(), tr("Contents"));
     m_pages->addTab(BuildPreparationTab(), tr("Preparation"));
     m_pages->addTab(BuildNutritionTab(), tr("Nutrition facts"));
@@ -194,7 +201,7 @@ void TFormRecipes::BuildDetails() {
 
 QWidget* TFormRecipes::BuildMainTab() {
     auto* page = new QWidget;
-    page->setObjectName(QStringLiteral("TabSheetMain"));
+    page->setObjectName(QStringLiteral("PanelMain"));
     m_name = new QLineEdit(page);
     m_name->setObjectName(QStringLiteral("DBEditRecipeName"));
     m_name->setMaxLength(128);
@@ -293,8 +300,8 @@ QWidget* TFormRecipes::BuildContentsTab() {
     m_contents->setSelectionMode(QAbstractItemView::SingleSelection);
     m_contents->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_contents->setItemDelegate(new AmountDelegate(m_contents));
-    m_contents->horizontalHeader()->setStretchLastSection(true);
-    m_contents->setColumnWidth(0, 240);
+    m_contents->SetNameColumn(QStringLiteral("ingredName"),
+                              qm::DefaultColumnWidth(Kind().columns, QStringLiteral("ingredName")));
     m_contents->installEventFilter(this);
     connect(m_contents, &QAbstractItemView::doubleClicked, this, &TFormRecipes::DBGridContentsDblClick);
 

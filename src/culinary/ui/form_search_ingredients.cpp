@@ -66,6 +66,7 @@ TFormSearchIngredients::TFormSearchIngredients(QWidget* parent) : TSearchWindow(
     advancedLayout->addStretch(1);
 
     ResultsModel()->addColumn(QStringLiteral("ingredName"), tr("Ingredient"));
+    ResultsGrid()->SetNameColumn(QStringLiteral("ingredName"), 0);
 
     connect(m_bitBtnFind, &QPushButton::clicked, this, &TFormSearchIngredients::BitBtnFindClick);
     connect(m_bitBtnNewSearch, &QPushButton::clicked, this, &TFormSearchIngredients::BitBtnNewSearchClick);

@@ -91,8 +91,7 @@ TFormSearchRecipes::TFormSearchRecipes(QWidget* parent) : TSearchWindow(parent) 
     ResultsModel()->addColumn(QStringLiteral("recTime"), tr("Time (min)"));
     ResultsModel()->addColumn(QStringLiteral("recServings"), tr("Servings"));
     ResultsModel()->addColumn(QStringLiteral("recPrice"), tr("Price"));
-    ResultsGrid()->horizontalHeader()->setStretchLastSection(false);
-    ResultsGrid()->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    ResultsGrid()->SetNameColumn(QStringLiteral("recName"), 0);
 
     connect(m_bitBtnFind, &QPushButton::clicked, this, &TFormSearchRecipes::BitBtnFindClick);
     connect(m_bitBtnNewSearch, &QPushButton::clicked, this, &TFormSearchRecipes::BitBtnNewSearchClick);

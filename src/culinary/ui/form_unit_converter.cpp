@@ -1,5 +1,6 @@
 #include "culinary/ui/form_unit_converter.h"
 
+#include "components/decimal_text.h"
 #include "culinary/unit_converter.h"
 #include "store/ui/record_window.h"
 
@@ -110,10 +111,10 @@ void TFormUnitConverter::FormShow() {
 
 void TFormUnitConverter::ImperialLengthChange() {
     metricLength = UnitConverter::LengthFromTexts(maskedText(m_feet), maskedText(m_inches));
-    m_centimetres->setText(QString::number(metricLength));
+    m_centimetres->setText(qm::DecimalText(metricLength));
 }
 
 void TFormUnitConverter::ImperialWeightChange() {
     metricWeight = UnitConverter::WeightFromTexts(maskedText(m_pounds), maskedText(m_ounces));
-    m_kilograms->setText(QString::number(metricWeight));
+    m_kilograms->setText(qm::DecimalText(metricWeight));
 }

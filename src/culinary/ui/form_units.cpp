@@ -44,8 +44,9 @@ TFormUnits::TFormUnits(QWidget* parent) : TRecordWindow(RecordKinds::Units(), pa
     RecordModel()->addColumn(QStringLiteral("unitTypeText"), tr("Type"));
     RecordModel()->addColumn(QStringLiteral("unitConv"), tr("Grams"));
     // Widths from design; the first three follow their options once shown, the factor column
-    // keeps this one.
-    Grid()->setColumnWidth(0, 200);
+    // keeps this one. The name takes the free width while its option holds the default.
+    Grid()->SetNameColumn(QStringLiteral("unitName"),
+                          qm::DefaultColumnWidth(Kind().columns, QStringLiteral("unitName")));
     Grid()->setColumnWidth(1, 80);
     Grid()->setColumnWidth(2, 80);
     Grid()->setColumnWidth(3, 80);

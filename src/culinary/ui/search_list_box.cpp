@@ -16,9 +16,17 @@ TSearchListBox::TSearchListBox(QWidget* parent) : QListWidget(parent) {
 
 void TSearchListBox::SetRowSource(TVintraDBGrid* grid) {
     m_source = grid;
+    QWidget* viewport = grid->viewport();
+    m_sourceViewport = viewport;
     // The grid only drags; its viewport takes drops for the boxes that feed on it.
-    grid->viewport()->setAcceptDrops(true);
-    grid->viewport()->installEventFilter(this);
+    viewport->setAcceptDrops(true);
+    viewport->installEventFilter(this);
+    // The grid's viewport keeps sending events while the grid is taken down; from then on they
+    // are none of the box's business.
+    connect(grid, &QObject::destroyed, this, [this] {
+        m_source = nullptr;
+        m_sourceViewport = nullptr;
+    });
 }
 
 bool TSearchListBox::TakesRows(const QDropEvent* event) const {
@@ -75,7 +83,8 @@ void TSearchListBox::startDrag(Qt::DropActions supportedActions) {
 }
 
 bool TSearchListBox::eventFilter(QObject* watched, QEvent* event) {
-    if (!m_source || watched != m_source->viewport())
+    // Only addresses are compared here: the grid may be half destroyed when its viewport speaks.
+    if (!m_sourceViewport || watched != m_sourceViewport)
         return QListWidget::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::DragEnter:

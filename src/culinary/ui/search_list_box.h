@@ -38,4 +38,5 @@ private:
     bool TakesRows(const QDropEvent* event) const;
 
     TVintraDBGrid* m_source = nullptr;
+    const QObject* m_sourceViewport = nullptr; ///< compared with, never called
 };

@@ -5,6 +5,7 @@
 #include "components/messages.h"
 #include "components/ui/vintra_db_grid.h"
 #include "components/ui/vintra_db_tree_view.h"
+#include "components/ui/window_placement.h"
 #include "store/data_module_main.h"
 #include "store/ui/record_window.h"
 
@@ -280,6 +281,8 @@ void TSearchWindow::showEvent(QShowEvent* event) {
     if (!event->spontaneous()) {
         TranslateForm(this);
         Guarded([this] { FormShow(); });
+        // Each opening stands over the middle of the main window, at the size the show left.
+        CenterOnMainWindow(this);
     }
     QWidget::showEvent(event);
 }

@@ -3,6 +3,7 @@
 #include "components/dataset.h"
 #include "components/dataset_provider.h"
 #include "components/messages.h"
+#include "components/ui/db_field_binder.h"
 #include "shell/app_paths.h"
 #include "shell/ui/form_options.h"
 #include "shell/ui/frame_icons.h"
@@ -1286,6 +1287,8 @@ void TFormMain::FocusChanged() {
             dataset = provider->ProvidedDataset();
         else if (auto* view = qobject_cast<QAbstractItemView*>(object))
             dataset = DatasetOfView(view);
+        else if (object == focus) // an edit bound to a field of a record
+            dataset = TDBFieldBinder::DatasetOf(focus);
     }
     if (!inChild)
         dataset = nullptr;

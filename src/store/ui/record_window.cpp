@@ -99,6 +99,7 @@ void TRecordWindow::ConnectTables() {
         RecordAfterScroll();
         UpdateCommands();
     };
+    SortInsertedRecords(m_recordTable);
 }
 
 void TRecordWindow::BuildLayout() {
@@ -444,7 +445,7 @@ qm::WindowLayout TRecordWindow::CurrentLayout() const {
         layout.splitterHorizontal = m_splitterHorizontal->sizes().value(1);
     for (TVintraDBGrid* grid : RememberedGrids())
         for (int c = 0; grid && c < grid->DatasetModel()->columnCount(); ++c)
-            layout.columnWidths << qMakePair(grid->ColumnFieldName(c), grid->columnWidth(c));
+            layout.columnWidths << qMakePair(grid->ColumnFieldName(c), grid->StoredColumnWidth(c));
     return layout;
 }
 

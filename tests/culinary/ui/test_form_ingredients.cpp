@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTextBrowser>
@@ -281,6 +282,32 @@ private slots:
         QCOMPARE(store.count("SELECT COUNT(*) FROM ITypes WHERE ingredTypeId = 100002"), 0);
         QCOMPARE(store.count("SELECT COUNT(*) FROM Ingreds WHERE ingredTypeId = 100002"), 0);
         QCOMPARE(store.count("SELECT COUNT(*) FROM Contents"), 1);
+    }
+
+    // The tree keeps long names whole and scrolls sideways; the grid's name column takes what the
+    // price leaves free.
+    void longNamesUseTheWidth() {
+        IngredientStore store;
+        const QString longName = QStringLiteral("Preserved, pickled and fermented vegetables of the season");
+        store.exec({QStringLiteral("UPDATE ITypes SET ingredTypeName = '%1' WHERE ingredTypeId = 100002")
+                        .arg(longName)});
+        auto form = open();
+        QCoreApplication::processEvents();
+        TVintraDBTreeView* tree = form->TreeView();
+        QTreeWidgetItem* node = tree->NodeOf(100002);
+        QVERIFY(node);
+        const QRect label = tree->visualItemRect(node);
+        const int textWidth = tree->fontMetrics().horizontalAdvance(longName);
+        QVERIFY(tree->columnWidth(0) > tree->viewport()->width());
+        QVERIFY(tree->columnWidth(0) - (label.left() + tree->horizontalScrollBar()->value()) >= textWidth);
+        QVERIFY(tree->horizontalScrollBar()->maximum() > 0);
+        // Short names again: the column is as wide as the view, nothing to scroll.
+        node->setText(0, QStringLiteral("Jams"));
+        QCoreApplication::processEvents();
+        QCOMPARE(tree->columnWidth(0), tree->viewport()->width());
+
+        TVintraDBGrid* grid = form->Grid();
+        QCOMPARE(grid->columnWidth(0) + grid->columnWidth(1), grid->viewport()->width());
     }
 };
 

@@ -13,6 +13,9 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QSplitter>
 #include <QTabWidget>
 
 namespace {
@@ -323,6 +326,64 @@ private slots:
         QVERIFY(!form->RecordTable().Insert());
         form->close();
         QCOMPARE(store.holder().VintraOptions.GetAsInteger("RecSplitterVertical"), splitter);
+    }
+
+    // The panels come back at their stored sizes and keep them as the window grows; the grids'
+    // name columns take the free width; a nutrient shows its shortest text rounded half up.
+    void layoutAsStored() {
+        RecipeStore store;
+        TVintraOptions& options = store.holder().VintraOptions;
+        options.SetAsInteger("RecSplitterHorizontal", 250);
+        options.SetAsInteger("RecSplitterVertical", 210);
+        options.SetAsInteger("RecSizeHeight", 600);
+        options.SetAsInteger("RecSizeWidth", 800);
+        auto form = std::make_unique<TFormRecipes>(QString(), QString());
+        form->show();
+        QVERIFY(QTest::qWaitForWindowExposed(form.get()));
+        QCOMPARE(form->SplitterHorizontal()->sizes().value(1), 250);
+        QCOMPARE(form->SplitterVertical()->sizes().value(0), 210);
+        form->resize(1000, 760);
+        QCoreApplication::processEvents();
+        QCOMPARE(form->SplitterHorizontal()->sizes().value(1), 250);
+        QCOMPARE(form->SplitterVertical()->sizes().value(0), 210);
+
+        TVintraDBGrid* grid = form->Grid();
+        QVERIFY(grid->NameColumnFills());
+        int others = 0;
+        for (int c = 1; c < grid->model()->columnCount(); ++c)
+            others += grid->columnWidth(c);
+        QCOMPARE(grid->columnWidth(0), grid->viewport()->width() - others);
+
+        store.exec({"UPDATE Recipes SET nutCal = 236.9115 WHERE recId = 100002"});
+        form->RecordTable().Refresh();
+        QVERIFY(form->LocateRecipe(100002));
+        QCOMPARE(form->NutrientEdit(0)->text(), QStringLiteral("236.912"));
+
+        form->close();
+        QCOMPARE(options.GetAsInteger("RecSplitterHorizontal"), 250);
+        QCOMPARE(options.GetAsInteger("RecColRecName"), 248); // the default, as it still fills
+    }
+
+    // In the frame's MDI area the panels come back as stored too, the sub-window's title bar
+    // taken into account.
+    void layoutAsStoredInTheFrame() {
+        RecipeStore store;
+        TVintraOptions& options = store.holder().VintraOptions;
+        options.SetAsInteger("RecSplitterHorizontal", 220);
+        QMdiArea area;
+        area.resize(780, 580);
+        area.show();
+        auto* form = new TFormRecipes(QString(), QString());
+        QMdiSubWindow* sub = area.addSubWindow(form);
+        sub->show();
+        QVERIFY(QTest::qWaitForWindowExposed(&area));
+        QCoreApplication::processEvents();
+        QCOMPARE(form->SplitterHorizontal()->sizes().value(1), 220);
+        sub->resize(760, 560);
+        QCoreApplication::processEvents();
+        QCOMPARE(form->SplitterHorizontal()->sizes().value(1), 220);
+        sub->close();
+        QCOMPARE(options.GetAsInteger("RecSplitterHorizontal"), 220);
     }
 };
 

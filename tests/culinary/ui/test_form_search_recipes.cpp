@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QListWidget>
+#include <QMainWindow>
 
 using namespace search_fixture;
 
@@ -189,6 +190,38 @@ private slots:
         k.form.show();
         QCOMPARE(sortedIds(k.form.QueryAvailableCategories(), "catId"), (QList<int>{1, 2, 3, 4}));
         QCOMPARE(k.find(), (QList<int>{1, 7})); // still "salt" and Salty
+    }
+
+    // The window opens centred on the main window, each time it is shown; the hits' name column
+    // takes the width the other columns leave.
+    void opensCentredAndNamesUseTheWidth() {
+        TestStore store;
+        store.exec(kKitchen);
+        QMainWindow main;
+        main.setGeometry(60, 30, 700, 540); // inside the offscreen screen of 800 by 600
+        main.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&main));
+        TFormSearchRecipes form(&main);
+        form.resize(620, form.height());
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        const auto offCentre = [&] {
+            const QPoint d = form.frameGeometry().center() - main.frameGeometry().center();
+            return std::max(std::abs(d.x()), std::abs(d.y()));
+        };
+        QVERIFY2(offCentre() <= 1, qPrintable(QString::number(offCentre())));
+        form.hide();
+        main.move(30, 10);
+        form.show();
+        QVERIFY2(offCentre() <= 1, qPrintable(QString::number(offCentre())));
+
+        click(&form, "BitBtnFind");
+        QCoreApplication::processEvents();
+        TVintraDBGrid* results = form.ResultsGrid();
+        int others = 0;
+        for (int c = 1; c < results->model()->columnCount(); ++c)
+            others += results->columnWidth(c);
+        QCOMPARE(results->columnWidth(0), results->viewport()->width() - others);
     }
 };
 

@@ -3,6 +3,7 @@
 #include "culinary_window_fixture.h"
 #include "search_fixture.h"
 
+#include "components/ui/db_field_binder.h"
 #include "components/ui/vintra_db_grid.h"
 #include "culinary/ui/form_units.h"
 
@@ -208,6 +209,99 @@ private slots:
         QCOMPARE(store.count("SELECT unitType FROM Units WHERE unitId = 100003"), 1);
         QCOMPARE(store.value("SELECT unitConv FROM Units WHERE unitId = 100003").toDouble(), 85.5);
         QCOMPARE(column(*form, 2).at(3), QStringLiteral("Weight"));
+    }
+
+    // A detail edit tells the frame's navigator its dataset; typing puts the record into edit
+    // state, and Escape there cancels: an edit goes back to the stored text, an insert goes.
+    void escapeInADetailEditCancels() {
+        UnitStore store;
+        auto form = open();
+        qm::Dataset& units = form->RecordTable();
+        auto* name = child<QLineEdit>(*form, "DBEditUnitName");
+        QCOMPARE(TDBFieldBinder::DatasetOf(name), &units);
+        QCOMPARE(TDBFieldBinder::DatasetOf(form->Grid()), nullptr);
+        QVERIFY(form->LocateRecord(100003));
+        QTest::keyClicks(name, "s");
+        QCOMPARE(units.State(), qm::dsEdit);
+        QTest::keyClick(name, Qt::Key_Escape);
+        QCOMPARE(units.State(), qm::dsBrowse);
+        QCOMPARE(name->text(), QStringLiteral("handful"));
+        QCOMPARE(store.value("SELECT unitName FROM Units WHERE unitId = 100003").toString(), "handful");
+
+        QTest::keyClick(form->Grid(), Qt::Key_Insert);
+        QTest::keyClicks(name, "dash");
+        QTest::keyClick(name, Qt::Key_Escape);
+        QCOMPARE(units.State(), qm::dsBrowse);
+        QCOMPARE(form->Grid()->model()->rowCount(), 7);
+        QCOMPARE(name->text(), units.FieldByName("unitName").AsString());
+    }
+
+    // A new unit takes its place by name once posted, and stays the current one.
+    void newUnitTakesItsPlaceByName() {
+        UnitStore store;
+        auto form = open();
+        QVERIFY(form->LocateRecord(100001)); // the last by name
+        QTest::keyClick(form->Grid(), Qt::Key_Insert);
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditUnitName"), "bunch");
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbrev"), "bn");
+        QTest::keyClicks(child<QLineEdit>(*form, "DBEditAbbreviationSmall"), "bn");
+        QVERIFY(form->RecordTable().Post());
+        QCOMPARE(column(*form, 0).mid(0, 3), (QStringList{"block", "bunch", "cup"}));
+        QCOMPARE(form->RecordTable().FieldByName("unitName").AsString(), QStringLiteral("bunch"));
+        QCOMPARE(form->Grid()->currentIndex().row(), 1);
+    }
+
+    // Numbers are shown and read as plain decimals in the machine's format: a factor typed with
+    // a group separator or an exponent is not taken, and the edit shows the stored one again.
+    void factorReadAsPlainDecimal() {
+        UnitStore store;
+        auto form = open();
+        auto* conv = child<QLineEdit>(*form, "DBEditConv");
+        QVERIFY(form->LocateRecord(100000));
+        QCOMPARE(conv->text(), QStringLiteral("28.35"));
+        for (const char* text : {"1,000", "1e3", "inf"}) {
+            conv->setFocus();
+            conv->selectAll();
+            QTest::keyClicks(conv, QString::fromLatin1(text));
+            emit conv->editingFinished();
+            QCOMPARE(conv->text(), QStringLiteral("28.35"));
+        }
+        form->RecordTable().Cancel();
+        QCOMPARE(store.value("SELECT unitConv FROM Units WHERE unitId = 100000").toDouble(), 28.35);
+    }
+
+    // While its remembered width is the default one, the name column takes what the other columns
+    // leave free; a width the user drags is kept, and stored as dragged.
+    void nameColumnTakesTheFreeWidth() {
+        UnitStore store;
+        auto form = open();
+        form->resize(900, 500);
+        QCoreApplication::processEvents();
+        TVintraDBGrid* grid = form->Grid();
+        const auto others = [grid] {
+            return grid->columnWidth(1) + grid->columnWidth(2) + grid->columnWidth(3);
+        };
+        QVERIFY(grid->NameColumnFills());
+        QCOMPARE(grid->columnWidth(0), grid->viewport()->width() - others());
+        form->resize(1100, 500);
+        QCoreApplication::processEvents();
+        QCOMPARE(grid->columnWidth(0), grid->viewport()->width() - others());
+        form->close();
+        QCOMPARE(store.options().GetAsInteger("UnitColUnitName"), 400);
+
+        auto again = open();
+        again->Grid()->horizontalHeader()->resizeSection(0, 250); // as a drag does
+        QVERIFY(!again->Grid()->NameColumnFills());
+        again->resize(1000, 500);
+        QCoreApplication::processEvents();
+        QCOMPARE(again->Grid()->columnWidth(0), 250);
+        again->close();
+        QCOMPARE(store.options().GetAsInteger("UnitColUnitName"), 250);
+
+        // A stored width other than the default is kept from the start.
+        auto third = open();
+        QVERIFY(!third->Grid()->NameColumnFills());
+        QCOMPARE(third->Grid()->columnWidth(0), 250);
     }
 };
 

@@ -14,13 +14,24 @@
 #include "culinary/ui/form_recipe_categories.h"
 #include "culinary/ui/form_rich_text_db_editor.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QTextBlock>
 #include <QTextEdit>
 #include <QTextList>
+#include <QTimer>
 
 namespace {
+
+/// The cell editor open in a grid; closed ones wait hidden for their deletion.
+QLineEdit* openEditor(QAbstractItemView* grid) {
+    for (QLineEdit* edit : grid->viewport()->findChildren<QLineEdit*>())
+        if (edit->isVisible())
+            return edit;
+    return nullptr;
+}
 
 QStringList items(QComboBox* box) {
     QStringList list;
@@ -120,6 +131,28 @@ private slots:
                  QStringLiteral("1234 2/3  thirteenchar  ") + QString(254, QLatin1Char('n')));
     }
 
+    // A line the dialog didn't compose (imported, its name past 254 characters) comes back as it
+    // was when OK is pressed without a change; a change composes it anew, the long name whole.
+    void freeFormImportedLineKeptUntilChanged() {
+        RecipeStore store;
+        const QString name = QString(280, QLatin1Char('n'));
+        const QString imported = QStringLiteral("  1  1/2 cups        ") + name;
+        TFormRecipeAddOrEditIngredientFF dialog;
+        dialog.ingredient = imported;
+        dialog.show();
+        QCOMPARE(child<QLineEdit>(dialog, "EditIngredient")->text().size(), 280 - 3);
+        clickOk(dialog);
+        QCOMPARE(dialog.ingredient, imported);
+
+        TFormRecipeAddOrEditIngredientFF changed;
+        changed.ingredient = imported;
+        changed.show();
+        auto* unit = child<QComboBox>(changed, "ComboBoxUnit");
+        unit->setEditText(QStringLiteral("cup"));
+        clickOk(changed);
+        QCOMPARE(changed.ingredient, QStringLiteral("  1  1/2  cup           ") + name.mid(3));
+    }
+
     // Choosing a recipe (mode 3, the one every caller runs): the group's recipes that the menu
     // doesn't hold, and the current row's recipe on OK.
     void recipeChoice() {
@@ -213,6 +246,73 @@ private slots:
         form.DeleteCategory();
         QCOMPARE(presenter.texts(), QStringList{GetText("QuestionDeleteCategory")});
         QCOMPARE(names(form.TableCategories, "catName"), QStringList{"Baking"});
+    }
+
+    // A name typed into a new row's cell and saved with the navigator is the record's name: no
+    // false message, and the row takes its place in name order. Only an empty name is refused.
+    void categoryTypedIntoTheCellIsSaved() {
+        RecipeStore store;
+        store.exec({"INSERT INTO Categories ( catId, catName ) VALUES ( 1, 'Quick' ), ( 2, 'Vegan' )",
+                    "INSERT INTO PKeys ( keyId, keyValue ) VALUES ( 'Categories', 40 )"});
+        TScriptedPresenter presenter;
+        TFormCategories form;
+        form.show();
+        QVERIFY(form.TableCategories.Locate("catId", 2));
+        auto* save = form.findChild<QAction*>("ActionPost");
+
+        form.InsertCategory();
+        QLineEdit* cell = openEditor(form.Grid());
+        QVERIFY(cell);
+        QTest::keyClicks(cell, "Baking");
+        QVERIFY(save->isEnabled());
+        save->trigger();
+        QCOMPARE(presenter.texts(), QStringList());
+        QCOMPARE(store.count("SELECT catId FROM Categories WHERE catName = 'Baking'"), 41);
+        QCOMPARE(form.TableCategories.State(), qm::dsBrowse);
+        QCOMPARE(names(form.TableCategories, "catName"), (QStringList{"Baking", "Quick", "Vegan"}));
+        QCOMPARE(form.TableCategories.FieldByName("catId").AsInteger(), 41);
+        QCOMPARE(form.Grid()->currentIndex().row(), 0);
+
+        // Typing over a name puts the row into edit state at once; Escape in the cell drops it.
+        QVERIFY(form.TableCategories.Locate("catId", 1));
+        form.Grid()->edit(form.Grid()->currentIndex());
+        cell = openEditor(form.Grid());
+        QVERIFY(cell);
+        QTest::keyClicks(cell, "er");
+        QCOMPARE(form.TableCategories.State(), qm::dsEdit);
+        QVERIFY(save->isEnabled());
+        QTest::keyClick(cell, Qt::Key_Escape);
+        QCOMPARE(form.TableCategories.State(), qm::dsBrowse);
+        QCOMPARE(store.db().scalar("SELECT catName FROM Categories WHERE catId = 1").toString(), "Quick");
+
+        // A new row left empty is refused once, with the one message.
+        form.InsertCategory();
+        save->trigger();
+        QCOMPARE(presenter.texts(TMessagePresenter::Error),
+                 QStringList{GetText("ErrorEmptyField").replace("%s", "category name")});
+        QCOMPARE(form.TableCategories.State(), qm::dsInsert);
+    }
+
+    // A dialog opens over the middle of the main window, also when another dialog opened it.
+    void dialogsOpenCentredOnTheMainWindow() {
+        RecipeStore store;
+        QMainWindow main;
+        main.setGeometry(60, 30, 700, 540); // inside the offscreen screen of 800 by 600
+        main.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&main));
+        QDialog opener(&main);
+        opener.setGeometry(0, 0, 200, 150);
+        opener.show();
+        TFormCategories dialog(&opener);
+        QPoint offset(-1000, -1000);
+        QTimer::singleShot(0, &dialog, [&] {
+            offset = dialog.frameGeometry().center() - main.frameGeometry().center();
+            dialog.reject();
+        });
+        ExecModal(dialog);
+        // Placed before its frame is known: off by the frame's width at most.
+        QVERIFY2(std::abs(offset.x()) <= 4 && std::abs(offset.y()) <= 4,
+                 qPrintable(QStringLiteral("%1 %2").arg(offset.x()).arg(offset.y())));
     }
 
     // Assign and remove move a category across; the last one assigned turns the button off; the
