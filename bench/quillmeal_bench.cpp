@@ -11,7 +11,6 @@
 
 #include <QApplication>
 #include <QDateTime>
-#include <QSqlQuery>
 #include <QTimer>
 #include <chrono>
 #include <cstdio>
@@ -221,7 +220,7 @@ int benchIngredientPattern(const QString& root, int runs) {
     const QString plain = statement(QStringLiteral("x"));
     int hits = 0;
     const auto search = [&db, &hits](const QString& sql) {
-        QSqlQuery query = db.run(sql);
+        qm::Cursor query = db.run(sql);
         while (query.next())
             hits += query.value(2).toString().size() > 0;
     };
