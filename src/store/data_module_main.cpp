@@ -142,7 +142,7 @@ void TDataModuleMain::DataModuleCreate() {
     }
     // Text compares without case and numbers keep their widths, in older files too.
     if (!KADaoDatabase.isReadOnly())
-        qm::upgradeColumnRules(KADaoDatabase);
+        qm::upgradeColumnRules(KADaoDatabase, VintraDBUpdater.VersionTarget > current);
     // 8.
     initialised = true;
 }

@@ -41,6 +41,7 @@ void createSchema(Database& db, const QString& schemaFile) {
         throw DbError(QStringLiteral("Cannot read the schema file"), schemaFile);
     for (const QString& statement : splitSqlScript(QString::fromUtf8(file.readAll())))
         db.exec(withColumnRules(statement));
+    db.exec(QStringLiteral("PRAGMA user_version = %1").arg(ColumnRulesMark));
 }
 
 namespace {
@@ -120,9 +121,14 @@ QString withColumnRules(const QString& createTable) {
     return createTable.left(open + 1) + parts.join(QLatin1Char(',')) + createTable.mid(close);
 }
 
-int upgradeColumnRules(Database& db) {
+int upgradeColumnRules(Database& db, bool always) {
+    // A file that has the rules says so in its user version, which spares reading its tables at
+    // every start.
+    if (!always && db.scalar(QStringLiteral("PRAGMA user_version")).toInt() >= ColumnRulesMark)
+        return 0;
     const SqlRows tables = db.select(QString::fromLatin1(SchemaSql::Tables));
     int rebuilt = 0;
+    bool complete = true;
     for (const QVariantList& row : tables.rows) {
         const QString name = row.at(0).toString();
         const QString sql = row.at(1).toString();
@@ -149,8 +155,10 @@ int upgradeColumnRules(Database& db) {
             // Rows that break the rules (a value out of its range) keep the table as it was.
             db.exec(QStringLiteral("ROLLBACK TO qm_rebuild"));
             db.exec(QStringLiteral("RELEASE qm_rebuild"));
+            complete = false;
         }
     }
+    db.exec(QStringLiteral("PRAGMA user_version = %1").arg(complete ? ColumnRulesMark : 0));
     return rebuilt;
 }
 

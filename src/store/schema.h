@@ -15,8 +15,12 @@ QStringList splitSqlScript(const QString& script);
 /// Other statements and columns that already carry the rules come back unchanged.
 QString withColumnRules(const QString& createTable);
 
+/// The user version of a file whose tables all carry the column rules.
+constexpr int ColumnRulesMark = 1;
+
 /// Rebuilds the tables of an existing database whose columns lack those rules; returns how many.
-int upgradeColumnRules(Database& db);
+/// A file marked as having them is left alone unless `always` (after an update added tables).
+int upgradeColumnRules(Database& db, bool always = false);
 
 namespace SchemaSql {
 extern const char* const Tables;

@@ -134,6 +134,8 @@ private slots:
         store.exec({"DROP TABLE Menus", old, "CREATE INDEX MenusByGroup ON Menus (menuGroupId)",
                     "INSERT INTO Menus VALUES ( 5, 'Sonntag', NULL, 2 )"});
         QCOMPARE(store.db().scalar("SELECT COUNT(*) FROM Menus WHERE menuName = 'SONNTAG'").toInt(), 0);
+        QCOMPARE(qm::upgradeColumnRules(store.db()), 0); // marked as having the rules
+        store.exec({"PRAGMA user_version = 0"});
         QCOMPARE(qm::upgradeColumnRules(store.db()), 1);
         QCOMPARE(qm::upgradeColumnRules(store.db()), 0); // once is enough
         QCOMPARE(store.db().scalar("SELECT menuGroupId FROM Menus WHERE menuName = 'SONNTAG'").toInt(), 2);
@@ -142,7 +144,8 @@ private slots:
         QCOMPARE(store.db().scalar("PRAGMA integrity_check").toString(), QStringLiteral("ok"));
         // Rows that break a rule keep their table as it was, and nothing else changes.
         store.exec({"DROP TABLE Menus", old, "INSERT INTO Menus VALUES ( 5, 'x', NULL, 3000000000 )"});
-        QCOMPARE(qm::upgradeColumnRules(store.db()), 0);
+        QCOMPARE(qm::upgradeColumnRules(store.db(), true), 0);
+        QCOMPARE(store.db().scalar("PRAGMA user_version").toInt(), 0); // tried again next time
         QCOMPARE(store.db().scalar("SELECT menuGroupId FROM Menus").toLongLong(), 3000000000LL);
     }
 
