@@ -6,9 +6,10 @@ SUDO=""
 export DEBIAN_FRONTEND=noninteractive
 PKGS=(
   build-essential cmake make pkg-config clang-format
-  qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6svg6
+  qt6-base-dev qt6-base-dev-tools libqt6svg6
   qt6-l10n-tools
   libsqlite3-dev sqlite3
+  python3
   libgl-dev
   xvfb xauth
   fonts-dejavu-core
