@@ -218,9 +218,17 @@ void TVintraDBGrid::FitNameColumn() {
     if (column < 0)
         return;
     int others = 0;
-    for (int c = 0; c < m_proxy->columnCount(); ++c)
-        if (c != column && !isColumnHidden(c))
-            others += columnWidth(c);
+    ++m_sizing;
+    for (int c = 0; c < m_proxy->columnCount(); ++c) {
+        if (c == column || isColumnHidden(c))
+            continue;
+        // Beside a filling name column no other column cuts its title (a longer translation).
+        const int title = horizontalHeader()->sectionSizeHint(c);
+        if (columnWidth(c) < title)
+            setColumnWidth(c, title);
+        others += columnWidth(c);
+    }
+    --m_sizing;
     const int width = std::max(MinimumNameWidth, viewport()->width() - others);
     if (columnWidth(column) == width)
         return;
