@@ -1,5 +1,7 @@
 #include "shell/single_instance.h"
 
+#include <vector>
+
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QSharedMemory>
@@ -53,6 +55,11 @@ TVintraSingleInstance::~TVintraSingleInstance() {
     if (m_first) {
         delete m_signal;
         delete m_lock;
+    } else {
+        // Kept reachable to the end of the process, not destroyed.
+        static auto* kept = new std::vector<QSystemSemaphore*>();
+        kept->push_back(m_signal);
+        kept->push_back(m_lock);
     }
 }
 
