@@ -494,11 +494,6 @@ QVariant Database::scalar(const QString& sql, const SqlParams& params) {
     return cursor.value(0);
 }
 
-int Database::statementColumnCount(const QString& sql) {
-    auto statement = prepare(sql);
-    return statement->stmt ? sqlite3_column_count(statement->stmt) : 0;
-}
-
 Database::FormatPlan& Database::plan(const char* pattern) {
     auto found = m_plans.find(pattern);
     if (found != m_plans.end())

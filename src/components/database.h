@@ -114,8 +114,6 @@ public:
 
     /// Rows changed by the last exec().
     int changes() const { return m_changes; }
-    /// Column names of a statement without running it (for tools that print what it returns).
-    int statementColumnCount(const QString& sql);
 
 private:
     std::shared_ptr<PreparedStatement> prepare(const QString& sql);

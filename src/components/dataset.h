@@ -264,6 +264,7 @@ private:
     bool openTable(const QVariantMap& params);
     void setFields(const QStringList& dataNames, const QList<int>& held);
     void addRow(RowStore& store, QVariantList& values);
+    void fillOpenedRows(const std::function<void(RowStore&)>& fill);
     void commitOpen();
     QVariantList keyValues(const QVariantList& row) const;
     QVariantList keyValuesAt(int row) const;
