@@ -1,6 +1,4 @@
 // quillmeal-cli as a script uses it: a fresh data root seeded from the delivered database.
-#include <QDir>
-#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -117,22 +115,6 @@ private slots:
         QCOMPARE(slow.status, 0);
         QVERIFY(slow.out.count('\n') > 10);
         QVERIFY(slow.out.count('\n') <= plain.out.count('\n'));
-    }
-
-    void emptyFileStaysEmpty() {
-        QTemporaryDir root;
-        QVERIFY(QDir().mkpath(root.filePath("Database")));
-        const QString file = root.filePath("Database/Hearthnote.db");
-        QFile f(file);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.close();
-        QProcess p;
-        p.start(QStringLiteral(QM_BIN_DIR "/quillmeal-cli"),
-                {"--data-root", root.path(), "--config-dir", root.filePath("cfg"), "init"});
-        QVERIFY(p.waitForFinished(60000));
-        QCOMPARE(p.exitCode(), 1);
-        QVERIFY(QString::fromUtf8(p.readAllStandardError()).contains("empty"));
-        QCOMPARE(QFileInfo(file).size(), 0);
     }
 
     // Limits go into the statement as typed, decimals too; anything else is a usage error.
